@@ -1,7 +1,6 @@
 #include "engine/MonteCarlo.h"
 
-#include <algorithm>
-
+#include "engine/BoundedDrawStream.h"
 #include "engine/Fatal.h"
 #include "engine/ForecastError.h"
 #include "engine/Pcg64.h"
@@ -19,6 +18,64 @@ void validate(std::span<const double> samples, std::int64_t backlogSize, std::in
   if (horizon && (*horizon < 0 || *horizon > maxPeriods)) throw ForecastFailure(ForecastError::invalidHorizon);
   ORVANE_REQUIRE(maxPeriods >= 0, "MonteCarlo::run: negative maxPeriods");
   ORVANE_REQUIRE(samples.size() <= (std::size_t{1} << 32), "MonteCarlo::run: more than 2^32 samples");
+}
+
+// With a single sample every draw is index 0 and consumes nothing.
+struct SingleSampleDraws {
+  static std::uint64_t next() { return 0; }
+  static void skip(std::int64_t) {}
+};
+
+struct Simulation {
+  std::span<const double> samples;
+  double backlog;
+  std::int64_t maxPeriods;
+  std::int64_t horizon;  // 0 without a horizon
+  // False with an empty backlog and a horizon: only the horizon's throughput
+  // is asked for, and such simulations need 0 periods.
+  bool checkFinish;
+};
+
+// Runs every simulation, filling the result's arrays; returns whether any
+// simulation did not finish.
+template <typename Draws>
+bool simulateAll(const Simulation& sim, Draws& draws, std::span<std::int64_t> periodsOut, double* atHorizonOut) {
+  const double* samples = sim.samples.data();
+  bool inconclusive = false;
+  for (std::size_t t = 0; t < periodsOut.size(); ++t) {
+    double cumulative = 0.0;
+    double atHorizon = 0.0;
+    std::int64_t p = 0;
+    std::int64_t needed = sim.checkFinish ? -1 : 0;
+    if (sim.checkFinish) {
+      while (p < sim.maxPeriods) {
+        cumulative += samples[draws.next()];
+        ++p;
+        if (p == sim.horizon) atHorizon = cumulative;
+        if (cumulative >= sim.backlog) {
+          needed = p;
+          break;
+        }
+      }
+    }
+    if (p < sim.horizon) {
+      while (p < sim.horizon) {
+        cumulative += samples[draws.next()];
+        ++p;
+      }
+      atHorizon = cumulative;
+    }
+    // The rest of the simulation's draws are consumed unused, so that every
+    // simulation starts at the same point of the stream.
+    draws.skip(sim.maxPeriods - p);
+    if (needed < 0) {
+      needed = sim.maxPeriods;
+      inconclusive = true;
+    }
+    periodsOut[t] = needed;
+    if (atHorizonOut) atHorizonOut[t] = atHorizon;
+  }
+  return inconclusive;
 }
 
 // Percentiles of the periods needed. The values lie in 0...maxPeriods, so a
@@ -51,54 +108,17 @@ ForecastResult run(std::span<const double> throughputSamples, std::int64_t backl
 
   if (!horizon && backlogSize == 0) return result;  // nothing to simulate, nothing drawn
 
-  PCG64 generator(seed ? *seed : deriveSeed(throughputSamples, backlogSize));
-  const double* samples = throughputSamples.data();
-  const std::uint64_t sampleCount = throughputSamples.size();
-  const auto backlog = static_cast<double>(backlogSize);
-  // With an empty backlog and a horizon, only the horizon's throughput is
-  // asked for; such simulations need 0 periods and are never unfinished.
-  const bool checkFinish = !(horizon && backlogSize == 0);
-  const std::int64_t horizonPeriods = horizon.value_or(0);
-  std::int64_t* periodsOut = result.periodsDistribution.data();
+  const Simulation sim{throughputSamples, static_cast<double>(backlogSize), maxPeriods, horizon.value_or(0),
+                       !(horizon && backlogSize == 0)};
   double* atHorizonOut = horizon ? result.completedByHorizon->data() : nullptr;
-  bool inconclusive = false;
-
-  for (std::int64_t t = 0; t < iterations; ++t) {
-    double cumulative = 0.0;
-    double atHorizon = 0.0;
-    std::int64_t p = 0;
-    std::int64_t needed = checkFinish ? -1 : 0;
-    if (checkFinish) {
-      while (p < maxPeriods) {
-        cumulative += samples[generator.nextBounded(sampleCount)];
-        ++p;
-        if (p == horizonPeriods) atHorizon = cumulative;
-        if (cumulative >= backlog) {
-          needed = p;
-          break;
-        }
-      }
-    }
-    if (p < horizonPeriods) {
-      while (p < horizonPeriods) {
-        cumulative += samples[generator.nextBounded(sampleCount)];
-        ++p;
-      }
-      atHorizon = cumulative;
-    }
-    // The rest of this simulation's draws are consumed unused, so every
-    // simulation starts at the same point of the stream.
-    if (sampleCount > 1) {
-      for (; p < maxPeriods; ++p) generator.nextBounded(sampleCount);
-    }
-    if (needed < 0) {
-      needed = maxPeriods;
-      inconclusive = true;
-    }
-    periodsOut[t] = needed;
-    if (atHorizonOut) atHorizonOut[t] = atHorizon;
+  if (throughputSamples.size() == 1) {
+    SingleSampleDraws draws;
+    result.inconclusive = simulateAll(sim, draws, result.periodsDistribution, atHorizonOut);
+  } else {
+    const PCG64 generator(seed ? *seed : deriveSeed(throughputSamples, backlogSize));
+    BoundedDrawStream draws(generator, throughputSamples.size());
+    result.inconclusive = simulateAll(sim, draws, result.periodsDistribution, atHorizonOut);
   }
-  result.inconclusive = inconclusive;
   fillPercentiles(result, maxPeriods);
   return result;
 }

@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-using uint128 = unsigned __int128;
+__extension__ typedef unsigned __int128 uint128;
 
 // The 128-bit PCG generator with the XSL-RR output, seeded through
 // SeedSequence, so that its streams are bit for bit those of NumPy's

@@ -27,17 +27,17 @@ std::string pythonFloatRepr(double value) {
   const int digitCount = static_cast<int>(digits.size());
   if (pointPosition <= -4 || pointPosition > 16) {
     text += digits[0];
-    if (digitCount > 1) text += "." + digits.substr(1);
+    if (digitCount > 1) text.append(".").append(digits, 1);
     const int magnitude = std::abs(exponent);
     text += exponent < 0 ? "e-" : "e+";
     if (magnitude < 10) text += '0';
     text += std::to_string(magnitude);
   } else if (pointPosition <= 0) {
-    text += "0." + std::string(-pointPosition, '0') + digits;
+    text.append("0.").append(-pointPosition, '0').append(digits);
   } else if (pointPosition >= digitCount) {
-    text += digits + std::string(pointPosition - digitCount, '0') + ".0";
+    text.append(digits).append(pointPosition - digitCount, '0').append(".0");
   } else {
-    text += digits.substr(0, pointPosition) + "." + digits.substr(pointPosition);
+    text.append(digits, 0, pointPosition).append(".").append(digits, pointPosition);
   }
   return text;
 }
@@ -49,7 +49,7 @@ std::string pythonRepr(std::int64_t backlog, std::span<const double> samples) {
     tuple += pythonFloatRepr(samples[i]);
   }
   tuple += samples.size() == 1 ? ",)" : ")";
-  return "(" + std::to_string(backlog) + ", " + tuple + ")";
+  return std::string("(").append(std::to_string(backlog)).append(", ").append(tuple).append(")");
 }
 
 }  // namespace orvane
