@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ostream>
+#include <span>
+#include <string>
+
+#include "engine/Timestamp.h"
+
+namespace orvane::cli {
+
+// Runs orvane-cli with `args` (the arguments after the program name) and
+// returns its exit code: 0 on success, 1 when the work failed, 2 for a bad
+// command line. A command's output reaches `out` only when it succeeds;
+// every refusal is one sentence on `err`. `now` is the clock for anything
+// that defaults to today.
+int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now);
+
+}  // namespace orvane::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "engine/Timestamp.h"
+
+namespace orvane::cli {
+
+// What a command may use of the outside world. Global options such as the
+// store path join here, so commands never read the environment themselves.
+struct CommandContext {
+  std::ostream& out;  // buffered: reaches stdout only if the command succeeds
+  std::ostream& err;
+  Timestamp now;
+};
+
+// A subcommand receives the arguments after its own name and returns the
+// exit code; refusals are thrown as CliError.
+using CommandHandler = int (*)(std::span<const std::string> args, const CommandContext& context);
+
+struct Command {
+  std::string_view name;
+  std::string_view summary;  // one line for the command list
+  CommandHandler run;
+};
+
+}  // namespace orvane::cli

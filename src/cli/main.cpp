@@ -1,0 +1,12 @@
+#include <chrono>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "cli/CliApp.h"
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> args(argv + 1, argv + argc);
+  const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+  return orvane::cli::runCli(args, std::cout, std::cerr, orvane::Timestamp{sinceEpoch.count()});
+}
