@@ -5,21 +5,18 @@
 namespace orvane {
 namespace {
 
-constexpr int laneCount = 4;
-
 constexpr uint128 multiplierPower(int steps) {
   uint128 m = 1;
   for (int i = 0; i < steps; ++i) m *= PCG64::multiplier;
   return m;
 }
 // `lanes` steps of the generator compose into one affine step s -> M s + C.
-constexpr uint128 laneMultiplier = multiplierPower(laneCount);
+constexpr uint128 laneMultiplier = multiplierPower(BoundedDrawStream::lanes);
 
 }  // namespace
 
 BoundedDrawStream::BoundedDrawStream(const PCG64& generator, std::uint64_t n)
     : n_(n), threshold_(((std::uint64_t{1} << 32) - n) % n) {
-  static_assert(lanes == laneCount);
   ORVANE_REQUIRE(!generator.hasBuffered(), "BoundedDrawStream: generator holds a buffered half");
   ORVANE_REQUIRE(n >= 2 && n <= (std::uint64_t{1} << 32), "BoundedDrawStream: bound outside 2...2^32");
   // Output k of the generator comes from the state after k + 1 steps; lane
@@ -35,25 +32,23 @@ BoundedDrawStream::BoundedDrawStream(const PCG64& generator, std::uint64_t n)
 }
 
 void BoundedDrawStream::refill() {
-  uint128 s0 = laneStates_[0], s1 = laneStates_[1], s2 = laneStates_[2], s3 = laneStates_[3];
+  uint128 states[lanes];
+  for (int j = 0; j < lanes; ++j) states[j] = laneStates_[j];
   const uint128 c = laneIncrement_;
   const auto n32 = static_cast<std::uint32_t>(n_);  // 0 for n = 2^32, which never rejects
   for (int k = 0; k < blockOutputs; k += lanes) {
-    const std::uint64_t x[lanes] = {PCG64::output(s0), PCG64::output(s1), PCG64::output(s2), PCG64::output(s3)};
-    s0 = s0 * laneMultiplier + c;
-    s1 = s1 * laneMultiplier + c;
-    s2 = s2 * laneMultiplier + c;
-    s3 = s3 * laneMultiplier + c;
     for (int j = 0; j < lanes; ++j) {
-      words_[2 * (k + j)] = static_cast<std::uint32_t>(x[j]);
-      words_[2 * (k + j) + 1] = static_cast<std::uint32_t>(x[j] >> 32);
+      const std::uint64_t x = PCG64::output(states[j]);
+      states[j] = states[j] * laneMultiplier + c;
+      words_[2 * (k + j)] = static_cast<std::uint32_t>(x);
+      words_[2 * (k + j) + 1] = static_cast<std::uint32_t>(x >> 32);
     }
   }
+  for (int j = 0; j < lanes; ++j) laneStates_[j] = states[j];
+  position_ = 0;
   // A separate pass over the block vectorises.
   std::uint32_t mayReject = 0;
   for (const std::uint32_t word : words_) mayReject |= static_cast<std::uint32_t>(word * n32 < n32);
-  laneStates_[0] = s0, laneStates_[1] = s1, laneStates_[2] = s2, laneStates_[3] = s3;
-  position_ = 0;
   blockMayReject_ = mayReject != 0;
 }
 

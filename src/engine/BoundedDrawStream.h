@@ -8,13 +8,16 @@ namespace orvane {
 
 // Bounded draws in [0, n) from a PCG64, exactly as its nextBounded(n) gives
 // them, made for the Monte Carlo loop. The generator's 32-bit words are made
-// ahead in blocks by four interleaved copies of the generator, each stepping
-// four states at a time; each block also notes whether any of its words could
-// start a Lemire rejection, so that draws whose values are not needed can be
-// skipped by counting alone. Words made ahead and never used are dropped with
+// ahead in blocks by interleaved copies of the generator, each stepping
+// `lanes` states at a time so that their multiplications overlap; each block
+// also notes whether any of its words could start a Lemire rejection, so that
+// draws whose values are not needed can be skipped by counting alone. Words made ahead and never used are dropped with
 // the stream, so only a generator that lives for one run may be read this way.
 class BoundedDrawStream {
  public:
+  // Interleaved copies of the generator that make the words.
+  static constexpr int lanes = 2;
+
   // REQUIRES: the generator holds no buffered half; 2 <= n <= 2^32.
   BoundedDrawStream(const PCG64& generator, std::uint64_t n);
 
@@ -30,7 +33,6 @@ class BoundedDrawStream {
   void skip(std::int64_t count);
 
  private:
-  static constexpr int lanes = 4;
   static constexpr int blockOutputs = 256;
   static constexpr int blockWords = 2 * blockOutputs;
 
