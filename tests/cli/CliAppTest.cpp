@@ -5,36 +5,26 @@
 namespace orvane::cli::testing {
 namespace {
 
-TEST(CliApp, helpListsTheCommandsOnStdout) {
-  const CliRun run = runWith({"--help"});
-  EXPECT_EQ(run.code, 0);
-  EXPECT_NE(run.out.find("Usage: orvane-cli <command>"), std::string::npos);
-  EXPECT_NE(run.out.find("simulate"), std::string::npos);
-  EXPECT_EQ(run.err, "");
-}
-
-TEST(CliApp, noArgumentsPrintsTheUsageOnStderrAsAnError) {
-  const CliRun run = runWith({});
-  EXPECT_EQ(run.code, 2);
-  EXPECT_EQ(run.out, "");
-  EXPECT_NE(run.err.find("Usage: orvane-cli <command>"), std::string::npos);
-}
-
-TEST(CliApp, unknownCommandOrOptionIsOneSentence) {
-  const CliRun command = runWith({"forecast"});
-  EXPECT_EQ(command.code, 2);
-  EXPECT_EQ(command.out, "");
-  EXPECT_EQ(command.err,
-            "Unknown command \"forecast\"; run \"orvane-cli --help\" for the list of commands.\n");
-  EXPECT_EQ(runWith({"--verbose"}).err,
-            "Unknown option \"--verbose\"; run \"orvane-cli --help\" for the list of commands.\n");
-}
-
-TEST(CliApp, commandHelpPrintsItsOptions) {
-  const CliRun run = runWith({"simulate", "--help"});
-  EXPECT_EQ(run.code, 0);
-  EXPECT_NE(run.out.find("--samples LIST"), std::string::npos);
-  EXPECT_EQ(run.err, "");
+TEST(CliApp, routesHelpUsageAndUnknownWordsToTheRightStream) {
+  const struct {
+    std::vector<std::string> args;
+    int code;
+    std::string_view inOut;  // expected on stdout ("" = stdout stays empty)
+    std::string_view inErr;  // expected on stderr ("" = stderr stays empty)
+  } cases[] = {
+      {{"--help"}, 0, "Usage: orvane-cli <command>", ""},
+      {{"simulate", "--help"}, 0, "--samples LIST", ""},
+      {{}, 2, "", "Usage: orvane-cli <command>"},
+      {{"forecast"}, 2, "", "Unknown command \"forecast\"; run \"orvane-cli --help\" for the list of commands.\n"},
+      {{"--verbose"}, 2, "", "Unknown option \"--verbose\"; run \"orvane-cli --help\" for the list of commands.\n"},
+  };
+  for (const auto& c : cases) {
+    const CliRun run = runWith(c.args);
+    SCOPED_TRACE(c.args.empty() ? "(no arguments)" : c.args.front());
+    EXPECT_EQ(run.code, c.code);
+    if (c.inOut.empty()) EXPECT_EQ(run.out, ""); else EXPECT_NE(run.out.find(c.inOut), std::string::npos) << run.out;
+    if (c.inErr.empty()) EXPECT_EQ(run.err, ""); else EXPECT_NE(run.err.find(c.inErr), std::string::npos) << run.err;
+  }
 }
 
 }  // namespace

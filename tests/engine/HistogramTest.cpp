@@ -41,11 +41,6 @@ TEST(Histogram, WalksEveryBandAndRoundsToHundredths) {
   EXPECT_EQ(bands[19], HistogramBand::tail);
 }
 
-TEST(Histogram, EmptyAndZeroTotals) {
-  EXPECT_TRUE(buildHistogram({}, 10, runAt, 7).empty());
-  const std::vector<std::int64_t> two{2, 2};
-  EXPECT_EQ(buildHistogram(two, 0, runAt, 7).front().cumulativePct, 100.0);  // falls back to the counts
-}
 
 TEST(ForecastResult, PromisesFewerTicketsAtHigherConfidence) {
   ForecastResult result;
@@ -58,18 +53,6 @@ TEST(ForecastResult, PromisesFewerTicketsAtHigherConfidence) {
   EXPECT_FALSE(result.ticketsByHorizon().has_value());
 }
 
-TEST(ForecastResult, TurnsPeriodsIntoDates) {
-  ForecastResult result;
-  result.p50 = 3;
-  result.p70 = 2.9999999999999996;  // a hair below 3 still lands on day 21
-  result.p85 = 1.5;
-  result.p95 = 0;
-  const auto dates = result.dates(runAt, 7);
-  EXPECT_EQ(dates.at(50), runAt.addingDays(21));
-  EXPECT_EQ(dates.at(70), runAt.addingDays(21));
-  EXPECT_EQ(dates.at(85), runAt.addingDays(10));
-  EXPECT_EQ(dates.at(95), runAt);
-}
 
 }  // namespace
 }  // namespace orvane
