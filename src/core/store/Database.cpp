@@ -1,5 +1,6 @@
 #include "core/store/Database.h"
 
+#include <cstring>
 #include <utility>
 
 namespace orvane {
@@ -52,6 +53,11 @@ Statement& Statement::bind(int index, std::string_view value) {
   return *this;
 }
 
+Statement& Statement::bind(int index, const Uuid& value) {
+  check(sqlite3_bind_blob(statement_, index, value.bytes.data(), static_cast<int>(value.bytes.size()), SQLITE_TRANSIENT));
+  return *this;
+}
+
 bool Statement::step() {
   const int rc = sqlite3_step(statement_);
   if (rc == SQLITE_ROW) return true;
@@ -81,10 +87,19 @@ std::string Statement::text(int column) const {
   return bytes ? std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))) : std::string();
 }
 
+std::string_view Statement::textView(int column) const {
+  const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+  return bytes ? std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))) : std::string_view();
+}
+
 Uuid Statement::uuid(int column) const {
-  const auto parsed = Uuid::parse(text(column));
-  if (!parsed) throw SqliteError(SQLITE_CORRUPT, "an identifier in the database is not a UUID");
-  return *parsed;
+  Uuid id;
+  const void* bytes = sqlite3_column_blob(statement_, column);
+  if (bytes == nullptr || sqlite3_column_bytes(statement_, column) != static_cast<int>(id.bytes.size())) {
+    throw SqliteError(SQLITE_CORRUPT, "an identifier in the database is not 16 bytes long");
+  }
+  std::memcpy(id.bytes.data(), bytes, id.bytes.size());
+  return id;
 }
 
 std::optional<std::int64_t> Statement::optionalInt64(int column) const {

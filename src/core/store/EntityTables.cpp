@@ -1,29 +1,20 @@
 #include "core/store/EntityTables.h"
 
-#include <nlohmann/json.hpp>
+#include "core/store/ListCodec.h"
 
 namespace orvane {
 namespace {
 
-// Lists are kept as JSON arrays in one text column.
-template <typename T>
-std::string listText(const std::vector<T>& values) {
-  return nlohmann::json(values).dump();
-}
+std::string listText(const std::vector<std::int64_t>& values) { return ListCodec::encode(values); }
+std::string listText(const std::vector<std::string>& values) { return ListCodec::encode(values); }
 
 template <typename T>
 std::vector<T> listFrom(const Statement& statement, int column) {
-  const auto parsed = nlohmann::json::parse(statement.text(column), nullptr, false);
-  if (!parsed.is_array()) return {};
-  std::vector<T> values;
-  for (const auto& item : parsed) {
-    if constexpr (std::is_same_v<T, std::string>) {
-      if (item.is_string()) values.push_back(item.get<std::string>());
-    } else {
-      if (item.is_number_integer()) values.push_back(item.get<T>());
-    }
+  if constexpr (std::is_same_v<T, std::string>) {
+    return ListCodec::decodeStrings(statement.textView(column));
+  } else {
+    return ListCodec::decodeIntegers(statement.textView(column));
   }
-  return values;
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 // and names without a foreign key, so history survives a deleted column.
 constexpr const char* version1 = R"sql(
 CREATE TABLE projects (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   key TEXT NOT NULL,
   created_at REAL NOT NULL,
@@ -31,45 +31,45 @@ CREATE TABLE projects (
   internal_email TEXT NOT NULL
 );
 CREATE TABLE board_columns (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   position INTEGER NOT NULL,
   type_raw TEXT NOT NULL,
   wip_limit INTEGER,
-  project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE
+  project_id BLOB NOT NULL REFERENCES projects(id) ON DELETE CASCADE
 );
 CREATE INDEX board_columns_by_project ON board_columns(project_id, position);
 CREATE TABLE epics (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   color_hex TEXT,
   start_date REAL,
   due_date REAL,
   details TEXT NOT NULL,
-  project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE
+  project_id BLOB NOT NULL REFERENCES projects(id) ON DELETE CASCADE
 );
 CREATE INDEX epics_by_project ON epics(project_id);
 CREATE TABLE epic_dependencies (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   created_at REAL NOT NULL,
-  predecessor_id TEXT NOT NULL REFERENCES epics(id) ON DELETE CASCADE,
-  successor_id TEXT NOT NULL REFERENCES epics(id) ON DELETE CASCADE
+  predecessor_id BLOB NOT NULL REFERENCES epics(id) ON DELETE CASCADE,
+  successor_id BLOB NOT NULL REFERENCES epics(id) ON DELETE CASCADE
 );
 CREATE INDEX epic_dependencies_by_predecessor ON epic_dependencies(predecessor_id);
 CREATE INDEX epic_dependencies_by_successor ON epic_dependencies(successor_id);
 CREATE TABLE milestones (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   details TEXT NOT NULL,
   date REAL NOT NULL,
   completed_at REAL,
-  project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE,
-  epic_id TEXT REFERENCES epics(id) ON DELETE CASCADE
+  project_id BLOB NOT NULL REFERENCES projects(id) ON DELETE CASCADE,
+  epic_id BLOB REFERENCES epics(id) ON DELETE CASCADE
 );
 CREATE INDEX milestones_by_project ON milestones(project_id);
 CREATE INDEX milestones_by_epic ON milestones(epic_id);
 CREATE TABLE iterations (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   goal TEXT NOT NULL,
   start_date REAL NOT NULL,
@@ -79,18 +79,18 @@ CREATE TABLE iterations (
   committed_count INTEGER NOT NULL,
   finished_count INTEGER NOT NULL,
   carried_over_count INTEGER NOT NULL,
-  project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE
+  project_id BLOB NOT NULL REFERENCES projects(id) ON DELETE CASCADE
 );
 CREATE INDEX iterations_by_project ON iterations(project_id);
 CREATE TABLE people (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   color_hex TEXT,
   email TEXT NOT NULL,
   phone TEXT NOT NULL
 );
 CREATE TABLE tickets (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   number INTEGER NOT NULL,
   title TEXT NOT NULL,
   details TEXT NOT NULL,
@@ -104,62 +104,62 @@ CREATE TABLE tickets (
   tags TEXT NOT NULL,
   blocked INTEGER NOT NULL,
   this_week INTEGER NOT NULL,
-  project_id TEXT NOT NULL REFERENCES projects(id) ON DELETE CASCADE,
-  column_id TEXT REFERENCES board_columns(id) ON DELETE SET NULL,
-  epic_id TEXT REFERENCES epics(id) ON DELETE SET NULL,
-  assignee_id TEXT REFERENCES people(id) ON DELETE SET NULL,
-  iteration_id TEXT REFERENCES iterations(id) ON DELETE SET NULL
+  project_id BLOB NOT NULL REFERENCES projects(id) ON DELETE CASCADE,
+  column_id BLOB REFERENCES board_columns(id) ON DELETE SET NULL,
+  epic_id BLOB REFERENCES epics(id) ON DELETE SET NULL,
+  assignee_id BLOB REFERENCES people(id) ON DELETE SET NULL,
+  iteration_id BLOB REFERENCES iterations(id) ON DELETE SET NULL
 );
-CREATE INDEX tickets_by_project ON tickets(project_id, number);
+CREATE INDEX tickets_by_project ON tickets(project_id, id);
 CREATE INDEX tickets_by_column ON tickets(column_id, position);
 CREATE INDEX tickets_by_epic ON tickets(epic_id);
 CREATE INDEX tickets_by_assignee ON tickets(assignee_id);
 CREATE INDEX tickets_by_iteration ON tickets(iteration_id);
 CREATE TABLE ticket_events (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   at REAL NOT NULL,
-  from_column_id TEXT,
+  from_column_id BLOB,
   from_column_name TEXT,
-  to_column_id TEXT NOT NULL,
+  to_column_id BLOB NOT NULL,
   to_column_name TEXT NOT NULL,
-  ticket_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
+  ticket_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
 );
 CREATE INDEX ticket_events_by_ticket ON ticket_events(ticket_id, at);
 CREATE TABLE ticket_comments (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   body TEXT NOT NULL,
   created_at REAL NOT NULL,
-  ticket_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
+  ticket_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
 );
 CREATE INDEX ticket_comments_by_ticket ON ticket_comments(ticket_id);
 CREATE TABLE checklist_items (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   title TEXT NOT NULL,
   is_done INTEGER NOT NULL,
   position INTEGER NOT NULL,
-  ticket_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
+  ticket_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
 );
 CREATE INDEX checklist_items_by_ticket ON checklist_items(ticket_id, position);
 CREATE TABLE ticket_links (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   kind_raw TEXT NOT NULL,
   created_at REAL NOT NULL,
-  source_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE,
-  target_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
+  source_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE,
+  target_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
 );
 CREATE INDEX ticket_links_by_source ON ticket_links(source_id);
 CREATE INDEX ticket_links_by_target ON ticket_links(target_id);
 CREATE TABLE ticket_file_links (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   name TEXT NOT NULL,
   path TEXT NOT NULL,
   bookmark TEXT,
   added_at REAL NOT NULL,
-  ticket_id TEXT NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
+  ticket_id BLOB NOT NULL REFERENCES tickets(id) ON DELETE CASCADE
 );
 CREATE INDEX ticket_file_links_by_ticket ON ticket_file_links(ticket_id);
 CREATE TABLE forecast_records (
-  id TEXT PRIMARY KEY NOT NULL,
+  id BLOB PRIMARY KEY NOT NULL,
   run_at REAL NOT NULL,
   kind_raw TEXT NOT NULL,
   as_of_day TEXT NOT NULL,
@@ -174,7 +174,7 @@ CREATE TABLE forecast_records (
   commitment_day TEXT,
   confidence_pct REAL,
   note TEXT NOT NULL,
-  project_id TEXT REFERENCES projects(id) ON DELETE CASCADE
+  project_id BLOB REFERENCES projects(id) ON DELETE CASCADE
 );
 CREATE INDEX forecast_records_by_project ON forecast_records(project_id, run_at);
 )sql";

@@ -86,6 +86,9 @@ Store Store::open(const std::filesystem::path& path) {
     db.exec("PRAGMA foreign_keys = ON");
     db.exec("PRAGMA journal_mode = WAL");
     db.exec("PRAGMA synchronous = NORMAL");
+    // Snapshots read whole projects; let them come from memory.
+    db.exec("PRAGMA cache_size = -65536");
+    db.exec("PRAGMA mmap_size = 268435456");
     if (version < Schema::currentVersion) {
       Transaction transaction(db);
       Schema::migrate(db, version);

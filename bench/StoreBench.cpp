@@ -1,0 +1,102 @@
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "core/board/BoardService.h"
+#include "core/store/Rows.h"
+#include "core/store/Store.h"
+
+namespace orvane {
+namespace {
+
+// A store as a heavy user might have it, written row by row in one
+// transaction: `projects` projects of `ticketsEach` tickets, each ticket with
+// a creation event and, for most, two moves, a comment and a checklist item.
+// One column of every project holds `bigColumn` tickets.
+std::filesystem::path buildStore(const std::string& name, int projects, int ticketsEach, int bigColumn) {
+  const auto path = std::filesystem::temp_directory_path() / ("orvane-bench-" + std::to_string(getpid()) + "-" + name);
+  std::filesystem::remove(path);
+  Store store = Store::open(path);
+  Database& db = store.db();
+  Transaction transaction(db);
+  const double day = 86400;
+  for (int p = 0; p < projects; ++p) {
+    Project project{Uuid::random(), "Project " + std::to_string(p), "P" + std::to_string(p), Timestamp{0}};
+    project.nextTicketNumber = ticketsEach + 1;
+    rows::insert(db, project);
+    std::vector<BoardColumn> columns;
+    for (const auto& column : ColumnTemplate::standard()) {
+      columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
+                         std::string(rawValue(column.type)), column.wipLimit, project.id});
+      rows::insert(db, columns.back());
+    }
+    std::vector<std::int64_t> nextPosition(columns.size(), 0);
+    for (int n = 1; n <= ticketsEach; ++n) {
+      // The first `bigColumn` tickets fill "To Do"; the rest spread out.
+      const std::size_t c = n <= bigColumn ? 1 : static_cast<std::size_t>(n % 5);
+      Ticket ticket;
+      ticket.id = Uuid::random();
+      ticket.number = n;
+      ticket.title = "Ticket number " + std::to_string(n) + " of project " + std::to_string(p);
+      ticket.details = "Some details that a person wrote about this ticket.";
+      ticket.position = nextPosition[c]++;
+      ticket.createdAt = Timestamp{n * 600.0};
+      if (c >= 2) ticket.startedAt = Timestamp{n * 600.0 + day};
+      if (c == 4) ticket.completedAt = Timestamp{n * 600.0 + 3 * day};
+      ticket.tags = {"web", "checkout"};
+      ticket.projectId = project.id;
+      ticket.columnId = columns[c].id;
+      rows::insert(db, ticket);
+      rows::insert(db, TicketEvent{Uuid::random(), ticket.createdAt, std::nullopt, std::nullopt, columns[0].id,
+                                   columns[0].name, ticket.id});
+      if (c >= 2) {
+        rows::insert(db, TicketEvent{Uuid::random(), *ticket.startedAt, columns[0].id, columns[0].name, columns[c].id,
+                                     columns[c].name, ticket.id});
+        rows::insert(db, TicketComment{Uuid::random(), "Looks good to me.", *ticket.startedAt, ticket.id});
+        rows::insert(db, ChecklistItem{Uuid::random(), "Write the tests", c == 4, 0, ticket.id});
+      }
+    }
+  }
+  transaction.commit();
+  return path;
+}
+
+void BM_OpenStoreOf50000Tickets(benchmark::State& state) {
+  static const auto path = buildStore("open.sqlite", 10, 5000, 500);
+  for (auto _ : state) {
+    Store store = Store::open(path);
+    BoardService service(store);
+    benchmark::DoNotOptimize(service.projects());
+  }
+}
+BENCHMARK(BM_OpenStoreOf50000Tickets)->Unit(benchmark::kMillisecond);
+
+// The worst move in a column of 500: top to bottom renumbers every card.
+void BM_MoveTicketInColumnOf500(benchmark::State& state) {
+  static const auto path = buildStore("move.sqlite", 1, 700, 500);
+  Store store = Store::open(path);
+  BoardService service(store);
+  const Project project = service.projects().front();
+  const auto snapshot = *service.snapshot(project.id);
+  const BoardColumn& toDo = snapshot.columns[1];
+  double now = 1e9;
+  for (auto _ : state) {
+    const auto top = rows::select<Ticket>(store.db(), "WHERE column_id = ?1 AND position = 0", toDo.id).front();
+    benchmark::DoNotOptimize(service.moveTicket(top.id, toDo.id, std::nullopt, Timestamp{now += 1}));
+  }
+}
+BENCHMARK(BM_MoveTicketInColumnOf500)->Unit(benchmark::kMillisecond);
+
+void BM_LoadSnapshotOf10000Tickets(benchmark::State& state) {
+  static const auto path = buildStore("snapshot.sqlite", 1, 10000, 500);
+  Store store = Store::open(path);
+  BoardService service(store);
+  const Uuid project = service.projects().front().id;
+  for (auto _ : state) benchmark::DoNotOptimize(service.snapshot(project));
+}
+BENCHMARK(BM_LoadSnapshotOf10000Tickets)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace orvane
