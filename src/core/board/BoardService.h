@@ -129,11 +129,6 @@ class BoardService {
   Iteration requireIteration(const Uuid& id);
   Milestone requireMilestone(const Uuid& id);
 
-  // The column's active (not archived) tickets in position order.
-  std::vector<Ticket> activeTicketsIn(const Uuid& column);
-  // Writes position 0..n-1 in list order, touching only rows that change.
-  void writePositions(const std::vector<Ticket>& ordered);
-
   Store& store_;
   Database& db_;
 };

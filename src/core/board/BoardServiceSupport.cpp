@@ -29,18 +29,6 @@ Person BoardService::requirePerson(const Uuid& id) { return required<Person>(db_
 Iteration BoardService::requireIteration(const Uuid& id) { return required<Iteration>(db_, id, "iteration"); }
 Milestone BoardService::requireMilestone(const Uuid& id) { return required<Milestone>(db_, id, "milestone"); }
 
-std::vector<Ticket> BoardService::activeTicketsIn(const Uuid& column) {
-  return rows::select<Ticket>(db_, "WHERE column_id = ?1 AND archived_at IS NULL ORDER BY position, number", column);
-}
-
-void BoardService::writePositions(const std::vector<Ticket>& ordered) {
-  Statement& update = db_.cached("UPDATE tickets SET position = ?2 WHERE id = ?1 AND position != ?2");
-  for (std::size_t i = 0; i < ordered.size(); ++i) {
-    update.reset();
-    update.bindAll(ordered[i].id, static_cast<std::int64_t>(i)).run();
-  }
-}
-
 const std::vector<ColumnTemplate>& ColumnTemplate::standard() {
   static const std::vector<ColumnTemplate> columns{
       {"Backlog", ColumnType::backlog, std::nullopt},    {"To Do", ColumnType::backlog, std::nullopt},
