@@ -6,9 +6,14 @@
 #include <sstream>
 #include <string_view>
 
+#include "cli/BoardCommand.h"
 #include "cli/CliError.h"
 #include "cli/Command.h"
+#include "cli/GlobalOptions.h"
+#include "cli/ProjectCommands.h"
 #include "cli/SimulateCommand.h"
+#include "cli/StoreAccess.h"
+#include "cli/TicketCommands.h"
 
 namespace orvane::cli {
 namespace {
@@ -16,15 +21,23 @@ namespace {
 // Adding a command is one row here and one handler.
 constexpr std::array commands{
     Command{"simulate", "Forecast when a backlog is done, from weekly throughput samples", &runSimulate},
+    Command{"projects", "List the projects with their open and total tickets", &runProjects},
+    Command{"demo", "Load the demo project", &runDemo},
+    Command{"project", "Create a project: project create NAME [--key PREFIX]", &runProject},
+    Command{"board", "Show a project's board", &runBoard},
+    Command{"ticket", "Add, move, archive or restore a ticket", &runTicket},
 };
 
 void printUsage(std::ostream& os) {
-  os << "Usage: orvane-cli <command> [options]\n\nCommands:\n";
+  os << "Usage: orvane-cli [--store PATH] [--now TIME] <command> [options]\n\nCommands:\n";
   for (const Command& command : commands) {
     os << "  " << command.name << std::string(std::max<std::size_t>(12 - command.name.size(), 1), ' ')
        << command.summary << '\n';
   }
-  os << "\nRun \"orvane-cli <command> --help\" for the options of a command.\n";
+  os << "\nBefore the command:\n"
+        "  --store PATH  the database (default: ~/.local/share/orvane/orvane.sqlite)\n"
+        "  --now TIME    act as if it were TIME, e.g. 2026-03-05T10:00:00Z or 2026-03-05\n"
+        "\nRun \"orvane-cli <command> --help\" for the options of a command.\n";
 }
 
 const Command* findCommand(std::string_view name) {
@@ -36,6 +49,14 @@ const Command* findCommand(std::string_view name) {
 }  // namespace
 
 int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now) {
+  GlobalOptions global;
+  try {
+    global = parseGlobalOptions(args);
+  } catch (const CliError& error) {
+    err << error.what() << '\n';
+    return error.exitCode();
+  }
+  args = args.subspan(global.consumed);
   if (args.empty()) {
     printUsage(err);
     return exitUsage;
@@ -52,14 +73,29 @@ int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& e
     return exitUsage;
   }
 
+  // A refused operation is the user's to fix (exit 2); a store that cannot
+  // be opened or written is not (exit 1). Either way one sentence, no output.
   std::ostringstream buffered;
+  StoreAccess store(global.store);
   try {
-    const int code = command->run(args.subspan(1), CommandContext{buffered, err, now});
+    const int code = command->run(args.subspan(1), CommandContext{buffered, err, global.now.value_or(now), store});
     out << buffered.str();
     return code;
   } catch (const CliError& error) {
     err << error.what() << '\n';
     return error.exitCode();
+  } catch (const BoardError& error) {
+    err << error.what() << '\n';
+    return exitUsage;
+  } catch (const PMError& error) {
+    err << error.what() << '\n';
+    return exitUsage;
+  } catch (const MissingRecordError& error) {
+    err << error.what() << '\n';
+    return exitUsage;
+  } catch (const SqliteError& error) {
+    err << "The database could not be read or written: " << error.what() << '\n';
+    return exitFailure;
   } catch (const std::bad_alloc&) {
     err << "There is not enough memory for this " << name << ".\n";
     return exitFailure;

@@ -9,12 +9,15 @@
 
 namespace orvane::cli {
 
-// What a command may use of the outside world. Global options such as the
-// store path join here, so commands never read the environment themselves.
+class StoreAccess;
+
+// What a command may use of the outside world. Global options (--store,
+// --now) arrive here, so commands never read the environment themselves.
 struct CommandContext {
   std::ostream& out;  // buffered: reaches stdout only if the command succeeds
   std::ostream& err;
-  Timestamp now;
+  Timestamp now;       // the real clock, or --now
+  StoreAccess& store;  // opened on first use
 };
 
 // A subcommand receives the arguments after its own name and returns the

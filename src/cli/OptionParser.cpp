@@ -14,12 +14,31 @@ std::optional<std::string_view> ParsedOptions::value(std::string_view name) cons
 
 ParsedOptions parseOptions(std::span<const std::string> args, std::span<const OptionSpec> specs,
                            std::string_view command) {
+  return ParsedOptions::read(args, specs, command, false);
+}
+
+ParsedOptions parseArguments(std::span<const std::string> args, std::span<const OptionSpec> specs,
+                             std::string_view command) {
+  return ParsedOptions::read(args, specs, command, true);
+}
+
+ParsedOptions ParsedOptions::read(std::span<const std::string> args, std::span<const OptionSpec> specs,
+                                  std::string_view command, bool allowPositionals) {
   ParsedOptions parsed;
+  bool optionsEnded = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string_view arg = args[i];
-    if (!arg.starts_with("--")) {
-      throw CliError("Unexpected argument \"" + std::string(arg) + "\"; " + std::string(command) +
-                     " takes only options.");
+    if (allowPositionals && !optionsEnded && arg == "--") {
+      optionsEnded = true;
+      continue;
+    }
+    if (optionsEnded || !arg.starts_with("--")) {
+      if (!allowPositionals) {
+        throw CliError("Unexpected argument \"" + std::string(arg) + "\"; " + std::string(command) +
+                       " takes only options.");
+      }
+      parsed.positionals_.emplace_back(arg);
+      continue;
     }
     const std::size_t equals = arg.find('=');
     const std::string_view name = arg.substr(0, equals);
@@ -45,6 +64,24 @@ ParsedOptions parseOptions(std::span<const std::string> args, std::span<const Op
     parsed.values_.emplace(name, std::move(value));
   }
   return parsed;
+}
+
+void expectPositionals(const ParsedOptions& parsed, std::initializer_list<std::string_view> names,
+                       std::string_view command) {
+  std::string list;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) list += i + 1 == names.size() ? " and " : ", ";
+    list += names.begin()[i];
+  }
+  const auto& given = parsed.positionals();
+  if (given.size() < names.size()) {
+    throw CliError(std::string(command) + " needs " + list + "; run \"orvane-cli " + std::string(command) +
+                   " --help\" for its usage.");
+  }
+  if (given.size() > names.size()) {
+    throw CliError("Unexpected argument \"" + given[names.size()] + "\"; " + std::string(command) + " takes " + list +
+                   ".");
+  }
 }
 
 }  // namespace orvane::cli

@@ -12,11 +12,15 @@ TEST(CliApp, routesHelpUsageAndUnknownWordsToTheRightStream) {
     std::string_view inOut;  // expected on stdout ("" = stdout stays empty)
     std::string_view inErr;  // expected on stderr ("" = stderr stays empty)
   } cases[] = {
-      {{"--help"}, 0, "Usage: orvane-cli <command>", ""},
+      {{"--help"}, 0, "Usage: orvane-cli [--store PATH] [--now TIME] <command>", ""},
       {{"simulate", "--help"}, 0, "--samples LIST", ""},
-      {{}, 2, "", "Usage: orvane-cli <command>"},
+      {{}, 2, "", "Usage: orvane-cli [--store PATH] [--now TIME] <command>"},
       {{"forecast"}, 2, "", "Unknown command \"forecast\"; run \"orvane-cli --help\" for the list of commands.\n"},
       {{"--verbose"}, 2, "", "Unknown option \"--verbose\"; run \"orvane-cli --help\" for the list of commands.\n"},
+      {{"--now", "2026-03-05", "--help"}, 0, "Usage: orvane-cli", ""},
+      {{"--store=x.sqlite"}, 2, "", "Usage: orvane-cli"},
+      {{"--store", "--now", "2026-03-05"}, 2, "", "Option --store needs a value.\n"},
+      {{"--now", "2026-03-05", "--now", "2026-03-06"}, 2, "", "Option --now is given more than once.\n"},
   };
   for (const auto& c : cases) {
     const CliRun run = runWith(c.args);

@@ -25,7 +25,7 @@ struct Iteration {
   Timestamp endDate;  // never before startDate
   std::optional<Timestamp> startedAt;
   std::optional<Timestamp> closedAt;
-  std::int64_t committedCount = 0;    // open tickets in it when started
+  std::int64_t committedCount = 0;    // its tickets (not archived) when started
   std::int64_t finishedCount = 0;     // done tickets at the close
   std::int64_t carriedOverCount = 0;  // open tickets moved on at the close
   Uuid projectId;

@@ -54,7 +54,9 @@ void expectInvariants(const ProjectSnapshot& s, const std::map<Uuid, int>& colum
     ASSERT_NE(column, nullptr);
     const ColumnType type = column->effectiveType();
     ASSERT_EQ(ticket.completedAt.has_value(), type == ColumnType::done) << s.referenceCode(ticket);
-    if (type != ColumnType::backlog) ASSERT_TRUE(ticket.startedAt.has_value()) << s.referenceCode(ticket);
+    if (type != ColumnType::backlog) {
+      ASSERT_TRUE(ticket.startedAt.has_value()) << s.referenceCode(ticket);
+    }
     // One event per change of column, chained from creation to the column
     // the ticket is in now.
     std::vector<const TicketEvent*> events;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "core/board/BoardService.h"
+#include "core/store/Store.h"
+
+namespace orvane::cli {
+
+// The store of one run, opened on first use: a command that needs no store
+// (simulate) never touches the file, not even to create it.
+class StoreAccess {
+ public:
+  // No path means Store::defaultPath().
+  explicit StoreAccess(std::optional<std::filesystem::path> path) : path_(std::move(path)) {}
+  StoreAccess(const StoreAccess&) = delete;
+  StoreAccess& operator=(const StoreAccess&) = delete;
+
+  // Throws CliError (exit 1) with "The database could not be opened: " and
+  // the store's own reason when the file cannot be opened.
+  BoardService& service();
+
+ private:
+  std::optional<std::filesystem::path> path_;
+  std::optional<Store> store_;
+  std::unique_ptr<BoardService> service_;  // refers to *store_
+};
+
+}  // namespace orvane::cli
