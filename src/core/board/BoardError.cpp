@@ -10,8 +10,8 @@ std::string messageFor(BoardError::Case kind, const std::string& payload) {
     case BoardError::Case::columnNotEmpty:
       return "Column \"" + payload + "\" still has tickets. Move or delete them first.";
     case BoardError::Case::lastColumnOfType:
-      return std::string("The board needs at least one ") + (payload == rawValue(ColumnType::done) ? "Done" : "Backlog") +
-             " column.";
+      return std::string("The board needs at least one ") +
+             (payload == rawValue(ColumnType::done) ? "Done" : "Backlog") + " column.";
     case BoardError::Case::emptyText:
       return "A name, title or comment cannot be empty.";
     case BoardError::Case::invalidWIPLimit:

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "core/board/BoardService.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
@@ -21,21 +22,6 @@ void writeColumnPositions(Database& db, const std::vector<BoardColumn>& ordered)
   }
 }
 
-// Whether a row other than `self` already carries `name`, ignoring case.
-template <typename Row>
-bool nameTaken(const std::vector<Row>& others, std::string_view name, const Uuid& self = {}) {
-  return std::any_of(others.begin(), others.end(), [&](const Row& row) {
-    return row.id != self && text::equalIgnoringCase(row.name, name);
-  });
-}
-
-// The trimmed name; throws emptyText when nothing is left.
-std::string requireName(std::string_view name) {
-  std::string trimmed = text::trimmed(name);
-  if (trimmed.empty()) throw BoardError::emptyText();
-  return trimmed;
-}
-
 void requireLimit(const std::optional<std::int64_t>& limit) {
   if (limit && *limit < 1) throw BoardError::invalidWIPLimit();
 }
@@ -51,13 +37,13 @@ Project BoardService::createProject(std::string_view name, std::optional<std::st
   return inTransaction([&] {
     Project project;
     project.id = Uuid::random();
-    project.name = requireName(name);
-    if (nameTaken(rows::select<Project>(db_, ""), project.name)) throw BoardError::duplicateName(project.name);
+    project.name = rules::requireText(name, BoardError::emptyText());
+    if (rules::nameTaken(rows::select<Project>(db_, ""), project.name)) throw BoardError::duplicateName(project.name);
 
     // Each rule is checked over the whole list before the next one, so the
     // first broken rule is reported whatever the template order.
     std::vector<ColumnTemplate> templates = columns;
-    for (ColumnTemplate& column : templates) column.name = requireName(column.name);
+    for (ColumnTemplate& column : templates) column.name = rules::requireText(column.name, BoardError::emptyText());
     for (std::size_t i = 1; i < templates.size(); ++i) {
       for (std::size_t j = 0; j < i; ++j) {
         if (text::equalIgnoringCase(templates[j].name, templates[i].name)) {
@@ -93,8 +79,8 @@ void BoardService::deleteProject(const Uuid& project) {
 void BoardService::renameProject(const Uuid& project, std::string_view name) {
   inTransaction([&] {
     Project row = requireProject(project);
-    row.name = requireName(name);
-    if (nameTaken(rows::select<Project>(db_, ""), row.name, row.id)) throw BoardError::duplicateName(row.name);
+    row.name = rules::requireText(name, BoardError::emptyText());
+    if (rules::nameTaken(rows::select<Project>(db_, ""), row.name, row.id)) throw BoardError::duplicateName(row.name);
     rows::update(db_, row);
   });
 }
@@ -104,8 +90,10 @@ BoardColumn BoardService::addColumn(const Uuid& project, std::string_view name, 
   return inTransaction([&] {
     requireProject(project);
     std::vector<BoardColumn> columns = columnsOf(db_, project);
-    BoardColumn column{Uuid::random(), requireName(name), 0, std::string(rawValue(type)), wipLimit, project};
-    if (nameTaken(columns, column.name)) throw BoardError::duplicateName(column.name);
+    BoardColumn column{
+        Uuid::random(), rules::requireText(name, BoardError::emptyText()), 0, std::string(rawValue(type)), wipLimit,
+        project};
+    if (rules::nameTaken(columns, column.name)) throw BoardError::duplicateName(column.name);
     requireLimit(wipLimit);
 
     column.position = clampedIndex(at.value_or(static_cast<std::int64_t>(columns.size())), columns.size());
@@ -119,8 +107,8 @@ BoardColumn BoardService::addColumn(const Uuid& project, std::string_view name, 
 void BoardService::renameColumn(const Uuid& column, std::string_view name) {
   inTransaction([&] {
     BoardColumn row = requireColumn(column);
-    row.name = requireName(name);
-    if (nameTaken(columnsOf(db_, row.projectId), row.name, row.id)) throw BoardError::duplicateName(row.name);
+    row.name = rules::requireText(name, BoardError::emptyText());
+    if (rules::nameTaken(columnsOf(db_, row.projectId), row.name, row.id)) throw BoardError::duplicateName(row.name);
     rows::update(db_, row);
   });
 }
@@ -157,9 +145,9 @@ void BoardService::deleteColumn(const Uuid& column) {
 
     std::vector<BoardColumn> columns = columnsOf(db_, doomed.projectId);
     const ColumnType type = doomed.effectiveType();
-    if (type != ColumnType::inProgress &&
-        std::count_if(columns.begin(), columns.end(), [&](const BoardColumn& c) { return c.effectiveType() == type; }) ==
-            1) {
+    if (type != ColumnType::inProgress && std::count_if(columns.begin(), columns.end(), [&](const BoardColumn& c) {
+                                            return c.effectiveType() == type;
+                                          }) == 1) {
       throw BoardError::lastColumnOfType(type);
     }
 

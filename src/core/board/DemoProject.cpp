@@ -101,7 +101,11 @@ constexpr std::array<DemoEpic, 5> epics{{
 
 // Successor waits for predecessor.
 constexpr std::array<std::pair<EpicIndex, EpicIndex>, 5> epicDependencies{{
-    {checkout, catalogue}, {accounts, catalogue}, {tracking, checkout}, {tracking, accounts}, {launch, tracking},
+    {checkout, catalogue},
+    {accounts, catalogue},
+    {tracking, checkout},
+    {tracking, accounts},
+    {launch, tracking},
 }};
 
 struct DemoTicket {
@@ -119,7 +123,8 @@ using P = TicketPriority;
 constexpr DemoTicket tickets[] = {
     {"Set up repository and CI pipeline", noEpic, jonas, P::high, "infra", finished(day(-14, 3), 3, 0)},
     {"Product data model", catalogue, maya, P::high, "backend", finished(day(-14, 4), 4, 0)},
-    {"Import products from the supplier's CSV", catalogue, jonas, P::high, "backend,import", finished(day(-13, 1), 5, 1)},
+    {"Import products from the supplier's CSV", catalogue, jonas, P::high, "backend,import",
+     finished(day(-13, 1), 5, 1)},
     {"Product list page", catalogue, priya, P::medium, "frontend", finished(day(-13, 2), 4, 2)},
     {"Design system: colours and type", noEpic, lena, P::medium, "design", finished(day(-13, 4), 6, 2)},
     {"Product detail page", catalogue, priya, P::medium, "frontend", finished(day(-12, 0), 4, 3)},
@@ -128,9 +133,11 @@ constexpr DemoTicket tickets[] = {
     {"Spike: compare search engines", catalogue, maya, P::medium, "research", finished(day(-12, 4), 2, 6)},
     {"Category navigation", catalogue, priya, P::medium, "frontend", finished(day(-11, 2), 6, 3)},
     {"Full-text product search", catalogue, maya, P::high, "backend,search", finished(day(-11, 4), 7, 2)},
-    {"Search filters: price, size and colour", catalogue, priya, P::medium, "frontend,search", finished(day(-10, 1), 5, 4)},
+    {"Search filters: price, size and colour", catalogue, priya, P::medium, "frontend,search",
+     finished(day(-10, 1), 5, 4)},
     {"Shopping cart", checkout, maya, P::high, "frontend,backend", finished(day(-10, 2), 6, 5)},
-    {"Stock levels from the warehouse feed", catalogue, jonas, P::medium, "backend,import", finished(day(-10, 3), 4, 8)},
+    {"Stock levels from the warehouse feed", catalogue, jonas, P::medium, "backend,import",
+     finished(day(-10, 3), 4, 8)},
     {"Cookie banner", noEpic, lena, P::low, "legal,frontend", finished(day(-10, 4), 1, 10)},
     {"Search results ranking", catalogue, maya, P::medium, "search", finished(day(-9, 1), 4, 3)},
     {"Cart: save for later", checkout, priya, P::low, "frontend", finished(day(-9, 2), 3, 6)},
@@ -183,8 +190,8 @@ constexpr DemoTicket tickets[] = {
     {"Structured data for products", launch, jonas, P::low, "seo", open(Stage::backlog, day(-8, 1))},
     {"Launch landing page", launch, lena, P::medium, "marketing", open(Stage::backlog, day(-2, 2)), 0, day(6, 4)},
     {"Load test the checkout", launch, tom, P::high, "qa,performance", open(Stage::backlog, day(-3, 3)), 3},
-    {"Accessibility audit of the account pages", accounts, tom, P::medium, "qa,a11y",
-     open(Stage::backlog, day(-1, 2)), 3},
+    {"Accessibility audit of the account pages", accounts, tom, P::medium, "qa,a11y", open(Stage::backlog, day(-1, 2)),
+     3},
     {"Gift cards", checkout, nobody, P::low, "idea", open(Stage::backlog, day(-11, 3))},
     {"Product reviews", noEpic, nobody, P::low, "idea", open(Stage::backlog, day(-6, 1))},
     {"Dark mode", noEpic, nobody, P::low, "idea", open(Stage::backlog, day(-12, 1))},
@@ -501,9 +508,8 @@ Project BoardService::loadDemoProject(Timestamp now) {
       const std::size_t source = ticketIndex(link.source);
       const std::size_t target = ticketIndex(link.target);
       const Timestamp when{std::max(createdAt[source], createdAt[target]).secondsSince1970 + 900};
-      timeline.add(when, [&, source, target, link, when] {
-        addLink(ticketIds[source], ticketIds[target], link.kind, when);
-      });
+      timeline.add(when,
+                   [&, source, target, link, when] { addLink(ticketIds[source], ticketIds[target], link.kind, when); });
     }
     for (const DemoArchive& archive : archived) {
       const std::size_t i = ticketIndex(archive.ticket);

@@ -1,63 +1,28 @@
 // Epics, the dependencies between them, and milestones.
 #include <algorithm>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "core/board/BoardService.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
 namespace orvane {
 namespace {
 
-// The trimmed name, checked against the project's other epics; `self` keeps
-// its own name, so changing only the case of it is allowed.
-std::string checkedEpicName(Database& db, const Uuid& project, std::string_view name, const Uuid& self = {}) {
-  std::string trimmedName = text::trimmed(name);
-  if (trimmedName.empty()) throw PMError(PMError::Case::emptyText);
-  const auto epics = rows::select<Epic>(db, "WHERE project_id = ?1", project);
-  if (std::any_of(epics.begin(), epics.end(), [&](const Epic& other) {
-        return other.id != self && text::equalIgnoringCase(other.name, trimmedName);
-      })) {
-    throw PMError(PMError::Case::duplicateName, trimmedName);
-  }
-  return trimmedName;
-}
-
-// A trimmed colour; nothing left means no colour.
-std::optional<std::string> trimmedColor(const std::optional<std::string>& colorHex) {
-  if (!colorHex) return std::nullopt;
-  std::string color = text::trimmed(*colorHex);
-  if (color.empty()) return std::nullopt;
-  return color;
-}
-
-std::string checkedMilestoneName(std::string_view name) {
-  std::string trimmedName = text::trimmed(name);
-  if (trimmedName.empty()) throw PMError(PMError::Case::emptyText);
-  return trimmedName;
+std::vector<Epic> epicsOf(Database& db, const Uuid& project) {
+  return rows::select<Epic>(db, "WHERE project_id = ?1", project);
 }
 
 // Whether `from` already waits for `goal`, directly or through a chain of
-// the project's dependencies. Each epic is visited once, so a graph that
-// somehow holds a cycle (an old backup) still ends the walk.
+// the project's dependencies.
 bool waitsFor(Database& db, const Uuid& project, const Uuid& from, const Uuid& goal) {
   std::unordered_map<Uuid, std::vector<Uuid>> predecessorsOf;
   for (const EpicDependency& dependency : rows::select<EpicDependency>(
            db, "WHERE successor_id IN (SELECT id FROM epics WHERE project_id = ?1)", project)) {
     predecessorsOf[dependency.successorId].push_back(dependency.predecessorId);
   }
-  std::unordered_set<Uuid> visited{from};
-  std::vector<Uuid> pending{from};
-  while (!pending.empty()) {
-    const Uuid epic = pending.back();
-    pending.pop_back();
-    if (epic == goal) return true;
-    for (const Uuid& next : predecessorsOf[epic]) {
-      if (visited.insert(next).second) pending.push_back(next);
-    }
-  }
-  return false;
+  return rules::reaches(predecessorsOf, from, goal);
 }
 
 }  // namespace
@@ -67,9 +32,9 @@ Epic BoardService::createEpic(const Uuid& project, std::string_view name, std::o
   return inTransaction([&] {
     requireProject(project);
     Epic epic;
-    epic.name = checkedEpicName(db_, project, name);
+    epic.name = rules::requireUniqueName(name, epicsOf(db_, project));
     epic.id = Uuid::random();
-    epic.colorHex = trimmedColor(colorHex);
+    epic.colorHex = rules::trimmedColor(colorHex);
     epic.dueDate = dueDate;
     epic.projectId = project;
     rows::insert(db_, epic);
@@ -82,12 +47,12 @@ void BoardService::updateEpic(const Uuid& epic, std::string_view name, std::stri
                               std::optional<std::string> colorHex) {
   inTransaction([&] {
     Epic row = requireEpic(epic);
-    row.name = checkedEpicName(db_, row.projectId, name, row.id);
+    row.name = rules::requireUniqueName(name, epicsOf(db_, row.projectId), row.id);
     if (startDate && dueDate && *dueDate < *startDate) throw PMError(PMError::Case::invalidDateRange);
     row.details = text::trimmed(details);
     row.startDate = startDate;
     row.dueDate = dueDate;
-    row.colorHex = trimmedColor(colorHex);
+    row.colorHex = rules::trimmedColor(colorHex);
     rows::update(db_, row);
   });
 }
@@ -129,7 +94,7 @@ Milestone BoardService::createMilestone(const Uuid& project, std::string_view na
   return inTransaction([&] {
     requireProject(project);
     Milestone milestone;
-    milestone.name = checkedMilestoneName(name);
+    milestone.name = rules::requireText(name, PMError(PMError::Case::emptyText));
     if (epic && requireEpic(*epic).projectId != project) throw BoardError::epicNotInProject();
     milestone.id = Uuid::random();
     milestone.details = text::trimmed(details);
@@ -145,7 +110,7 @@ void BoardService::updateMilestone(const Uuid& milestone, std::string_view name,
                                    std::optional<Uuid> epic, std::string_view details) {
   inTransaction([&] {
     Milestone row = requireMilestone(milestone);
-    row.name = checkedMilestoneName(name);
+    row.name = rules::requireText(name, PMError(PMError::Case::emptyText));
     if (epic && requireEpic(*epic).projectId != row.projectId) throw BoardError::epicNotInProject();
     row.details = text::trimmed(details);
     row.date = date;

@@ -4,26 +4,12 @@
 #include <unordered_set>
 
 #include "core/board/BoardService.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
 namespace orvane {
 namespace {
-
-// Name checks shared by create and update; `self` is left out of the
-// duplicate test so an iteration may keep its own name. Returns the trimmed
-// name.
-std::string checkedIterationName(Database& db, const Uuid& project, std::string_view name,
-                                 const std::optional<Uuid>& self) {
-  std::string trimmedName = text::trimmed(name);
-  if (trimmedName.empty()) throw PMError(PMError::Case::emptyText);
-  for (const Iteration& other : rows::select<Iteration>(db, "WHERE project_id = ?1", project)) {
-    if (other.id != self && text::equalIgnoringCase(other.name, trimmedName)) {
-      throw PMError(PMError::Case::duplicateName, trimmedName);
-    }
-  }
-  return trimmedName;
-}
 
 void checkIterationRange(Timestamp startDate, Timestamp endDate) {
   if (endDate < startDate) throw PMError(PMError::Case::invalidIterationRange);
@@ -51,7 +37,7 @@ Iteration BoardService::createIteration(const Uuid& project, std::string_view na
   return inTransaction([&] {
     requireProject(project);
     Iteration iteration;
-    iteration.name = checkedIterationName(db_, project, name, std::nullopt);
+    iteration.name = rules::requireUniqueName(name, rows::select<Iteration>(db_, "WHERE project_id = ?1", project));
     checkIterationRange(startDate, endDate);
     iteration.id = Uuid::random();
     iteration.goal = text::trimmed(goal);
@@ -70,7 +56,8 @@ void BoardService::updateIteration(const Uuid& iteration, std::string_view name,
     // A closed iteration is a record of what happened; only planned and
     // active ones (dates included) may still change.
     if (row.state() == IterationState::closed) throw PMError(PMError::Case::iterationClosed);
-    row.name = checkedIterationName(db_, row.projectId, name, row.id);
+    row.name =
+        rules::requireUniqueName(name, rows::select<Iteration>(db_, "WHERE project_id = ?1", row.projectId), row.id);
     checkIterationRange(startDate, endDate);
     row.goal = text::trimmed(goal);
     row.startDate = startDate;

@@ -4,33 +4,12 @@
 
 #include "core/board/BoardService.h"
 #include "core/board/ClientEmail.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
 namespace orvane {
 namespace {
-
-// The trimmed name, checked against every other person; `self` keeps its own
-// name, so changing only the case of it is allowed.
-std::string checkedPersonName(Database& db, std::string_view name, const Uuid& self = {}) {
-  std::string trimmedName = text::trimmed(name);
-  if (trimmedName.empty()) throw PMError(PMError::Case::emptyText);
-  const auto people = rows::select<Person>(db, "");
-  if (std::any_of(people.begin(), people.end(), [&](const Person& other) {
-        return other.id != self && text::equalIgnoringCase(other.name, trimmedName);
-      })) {
-    throw PMError(PMError::Case::duplicateName, trimmedName);
-  }
-  return trimmedName;
-}
-
-// A trimmed colour; nothing left means no colour.
-std::optional<std::string> trimmedColor(const std::optional<std::string>& colorHex) {
-  if (!colorHex) return std::nullopt;
-  std::string color = text::trimmed(*colorHex);
-  if (color.empty()) return std::nullopt;
-  return color;
-}
 
 // The trimmed address; an empty one is allowed (no address).
 std::string checkedEmail(std::string_view email) {
@@ -50,7 +29,8 @@ void checkSeparateAddresses(const std::string& clientEmail, const std::string& i
 
 Person BoardService::createPerson(std::string_view name, std::optional<std::string> colorHex) {
   return inTransaction([&] {
-    Person person{Uuid::random(), checkedPersonName(db_, name), trimmedColor(colorHex), "", ""};
+    Person person{Uuid::random(), rules::requireUniqueName(name, rows::select<Person>(db_, "")),
+                  rules::trimmedColor(colorHex), "", ""};
     rows::insert(db_, person);
     return person;
   });
@@ -59,7 +39,7 @@ Person BoardService::createPerson(std::string_view name, std::optional<std::stri
 void BoardService::renamePerson(const Uuid& person, std::string_view name) {
   inTransaction([&] {
     Person row = requirePerson(person);
-    row.name = checkedPersonName(db_, name, row.id);
+    row.name = rules::requireUniqueName(name, rows::select<Person>(db_, ""), row.id);
     rows::update(db_, row);
   });
 }
@@ -68,7 +48,7 @@ void BoardService::updatePerson(const Uuid& person, std::string_view name, std::
                                 std::string_view phone) {
   inTransaction([&] {
     Person row = requirePerson(person);
-    row.name = checkedPersonName(db_, name, row.id);
+    row.name = rules::requireUniqueName(name, rows::select<Person>(db_, ""), row.id);
     row.email = checkedEmail(email);
     row.phone = text::trimmed(phone);
     rows::update(db_, row);

@@ -1,34 +1,21 @@
 // What hangs off a ticket: its flags, comments, checklist, links to other
 // tickets and links to files.
 #include <unordered_map>
-#include <unordered_set>
 
 #include "core/board/BoardService.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
 namespace orvane {
 namespace {
 
-template <typename T>
-T required(Database& db, const Uuid& id, const char* what) {
-  auto row = rows::find<T>(db, id);
-  if (!row) throw MissingRecordError(std::string("That ") + what + " no longer exists.");
-  return std::move(*row);
-}
-
-std::string checkedTitle(std::string_view title) {
-  std::string trimmedTitle = text::trimmed(title);
-  if (trimmedTitle.empty()) throw PMError(PMError::Case::emptyText);
-  return trimmedTitle;
-}
-
 std::vector<ChecklistItem> checklistOf(Database& db, const Uuid& ticket) {
   return rows::select<ChecklistItem>(db, "WHERE ticket_id = ?1 ORDER BY position, rowid", ticket);
 }
 
 // Whether `from` already waits on `goal` through a chain of the project's
-// blocked_by links. Each ticket is visited once, so the walk ends on any graph.
+// blocked_by links.
 bool waitsOn(Database& db, const Uuid& project, const Uuid& from, const Uuid& goal) {
   std::unordered_map<Uuid, std::vector<Uuid>> blockersOf;
   for (const TicketLink& link : rows::select<TicketLink>(
@@ -36,17 +23,7 @@ bool waitsOn(Database& db, const Uuid& project, const Uuid& from, const Uuid& go
            rawValue(LinkKind::blockedBy))) {
     blockersOf[link.sourceId].push_back(link.targetId);
   }
-  std::unordered_set<Uuid> visited{from};
-  std::vector<Uuid> pending{from};
-  while (!pending.empty()) {
-    const Uuid ticket = pending.back();
-    pending.pop_back();
-    if (ticket == goal) return true;
-    for (const Uuid& next : blockersOf[ticket]) {
-      if (visited.insert(next).second) pending.push_back(next);
-    }
-  }
-  return false;
+  return rules::reaches(blockersOf, from, goal);
 }
 
 // The last component of a path, trailing separators ignored; a path of
@@ -100,7 +77,7 @@ TicketComment BoardService::addComment(const Uuid& ticket, std::string_view body
 ChecklistItem BoardService::addChecklistItem(const Uuid& ticket, std::string_view title) {
   return inTransaction([&] {
     requireTicket(ticket);
-    ChecklistItem item{Uuid::random(), checkedTitle(title), false, 0, ticket};
+    ChecklistItem item{Uuid::random(), rules::requireText(title, PMError(PMError::Case::emptyText)), false, 0, ticket};
     item.position = static_cast<std::int64_t>(checklistOf(db_, ticket).size());
     rows::insert(db_, item);
     return item;
@@ -109,7 +86,7 @@ ChecklistItem BoardService::addChecklistItem(const Uuid& ticket, std::string_vie
 
 void BoardService::setChecklistItem(const Uuid& item, bool done) {
   inTransaction([&] {
-    ChecklistItem row = required<ChecklistItem>(db_, item, "checklist item");
+    ChecklistItem row = rules::requireRow<ChecklistItem>(db_, item, "checklist item");
     row.isDone = done;
     rows::update(db_, row);
   });
@@ -117,15 +94,15 @@ void BoardService::setChecklistItem(const Uuid& item, bool done) {
 
 void BoardService::renameChecklistItem(const Uuid& item, std::string_view title) {
   inTransaction([&] {
-    ChecklistItem row = required<ChecklistItem>(db_, item, "checklist item");
-    row.title = checkedTitle(title);
+    ChecklistItem row = rules::requireRow<ChecklistItem>(db_, item, "checklist item");
+    row.title = rules::requireText(title, PMError(PMError::Case::emptyText));
     rows::update(db_, row);
   });
 }
 
 void BoardService::deleteChecklistItem(const Uuid& item) {
   inTransaction([&] {
-    const ChecklistItem row = required<ChecklistItem>(db_, item, "checklist item");
+    const ChecklistItem row = rules::requireRow<ChecklistItem>(db_, item, "checklist item");
     rows::remove<ChecklistItem>(db_, row.id);
     Statement& renumber = db_.cached("UPDATE checklist_items SET position = ?2 WHERE id = ?1 AND position != ?2");
     const std::vector<ChecklistItem> remaining = checklistOf(db_, row.ticketId);
@@ -164,7 +141,7 @@ TicketLink BoardService::addLink(const Uuid& source, const Uuid& target, LinkKin
 
 void BoardService::removeLink(const Uuid& link) {
   inTransaction([&] {
-    required<TicketLink>(db_, link, "link");
+    rules::requireRow<TicketLink>(db_, link, "link");
     rows::remove<TicketLink>(db_, link);
   });
 }
@@ -173,7 +150,7 @@ TicketFileLink BoardService::addFileLink(const Uuid& ticket, std::string_view pa
   return inTransaction([&] {
     requireTicket(ticket);
     TicketFileLink link;
-    link.path = checkedTitle(path);
+    link.path = rules::requireText(path, PMError(PMError::Case::emptyText));
     link.id = Uuid::random();
     link.name = lastPathComponent(link.path);
     // Linux has no bookmark that follows a moved file; the path is reopened
@@ -187,7 +164,7 @@ TicketFileLink BoardService::addFileLink(const Uuid& ticket, std::string_view pa
 
 void BoardService::removeFileLink(const Uuid& fileLink) {
   inTransaction([&] {
-    required<TicketFileLink>(db_, fileLink, "file link");
+    rules::requireRow<TicketFileLink>(db_, fileLink, "file link");
     // The record only; the file on disk is never touched.
     rows::remove<TicketFileLink>(db_, fileLink);
   });

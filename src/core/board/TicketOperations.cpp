@@ -74,9 +74,8 @@ Ticket BoardService::createTicket(const Uuid& project, const NewTicket& fields, 
       // A board without a backlog column breaks the same invariant as one
       // without columns, so both are refused alike.
       const auto columns = rows::select<BoardColumn>(db_, "WHERE project_id = ?1 ORDER BY position, rowid", owner.id);
-      const auto backlog = std::find_if(columns.begin(), columns.end(), [](const BoardColumn& c) {
-        return c.effectiveType() == ColumnType::backlog;
-      });
+      const auto backlog = std::find_if(columns.begin(), columns.end(),
+                                        [](const BoardColumn& c) { return c.effectiveType() == ColumnType::backlog; });
       if (backlog == columns.end()) throw BoardError::noColumns();
       column = *backlog;
     }
