@@ -23,6 +23,15 @@ void indexRows(const std::vector<T>& rows, std::unordered_map<Uuid, std::size_t>
 
 constexpr const char* ofProjectTickets = "WHERE ticket_id IN (SELECT id FROM tickets WHERE project_id = ?1)";
 
+// Rows come back in the order they were written, which is almost always the
+// order wanted; sorting here, only when needed, is far cheaper than letting
+// SQLite sort whole rows.
+template <typename T, typename Key>
+void sortBy(std::vector<T>& rows, Key key) {
+  const auto less = [&](const T& a, const T& b) { return key(a) < key(b); };
+  if (!std::is_sorted(rows.begin(), rows.end(), less)) std::stable_sort(rows.begin(), rows.end(), less);
+}
+
 }  // namespace
 
 std::optional<ProjectSnapshot> ProjectSnapshot::load(Database& db, const Uuid& projectId) {
@@ -38,17 +47,20 @@ std::optional<ProjectSnapshot> ProjectSnapshot::load(Database& db, const Uuid& p
     ProjectSnapshot s;
     s.project = std::move(*project);
     s.columns = rows::select<BoardColumn>(db, "WHERE project_id = ?1 ORDER BY position", projectId);
-    s.tickets = rows::select<Ticket>(db, "WHERE project_id = ?1 ORDER BY number", projectId);
+    s.tickets = rows::select<Ticket>(db, "WHERE project_id = ?1", projectId);
+    sortBy(s.tickets, [](const Ticket& t) { return t.number; });
     s.epics = rows::select<Epic>(db, "WHERE project_id = ?1 ORDER BY name", projectId);
     s.epicDependencies = rows::select<EpicDependency>(
         db, "WHERE successor_id IN (SELECT id FROM epics WHERE project_id = ?1) ORDER BY created_at", projectId);
     s.milestones = rows::select<Milestone>(db, "WHERE project_id = ?1 ORDER BY date", projectId);
     s.iterations = rows::select<Iteration>(db, "WHERE project_id = ?1 ORDER BY start_date, name", projectId);
     s.people = rows::select<Person>(db, "ORDER BY name");
-    s.events = rows::select<TicketEvent>(db, std::string(ofProjectTickets) + " ORDER BY at", projectId);
-    s.comments = rows::select<TicketComment>(db, std::string(ofProjectTickets) + " ORDER BY created_at", projectId);
-    s.checklistItems =
-        rows::select<ChecklistItem>(db, std::string(ofProjectTickets) + " ORDER BY ticket_id, position", projectId);
+    s.events = rows::select<TicketEvent>(db, ofProjectTickets, projectId);
+    sortBy(s.events, [](const TicketEvent& e) { return e.at; });
+    s.comments = rows::select<TicketComment>(db, ofProjectTickets, projectId);
+    sortBy(s.comments, [](const TicketComment& c) { return c.createdAt; });
+    s.checklistItems = rows::select<ChecklistItem>(db, ofProjectTickets, projectId);
+    sortBy(s.checklistItems, [](const ChecklistItem& i) { return std::tie(i.ticketId, i.position); });
     s.links = rows::select<TicketLink>(
         db, "WHERE source_id IN (SELECT id FROM tickets WHERE project_id = ?1) ORDER BY created_at", projectId);
     s.fileLinks = rows::select<TicketFileLink>(db, std::string(ofProjectTickets) + " ORDER BY added_at", projectId);

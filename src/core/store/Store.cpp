@@ -82,7 +82,8 @@ Store Store::open(const std::filesystem::path& path) {
   }
 
   try {
-    Database db(path.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    // One connection serves one thread, so SQLite need not lock around each call.
+    Database db(path.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX);
     db.exec("PRAGMA foreign_keys = ON");
     db.exec("PRAGMA journal_mode = WAL");
     // Every commit reaches the disk before the operation returns: nothing a
