@@ -21,7 +21,15 @@ void indexRows(const std::vector<T>& rows, std::unordered_map<Uuid, std::size_t>
   for (std::size_t i = 0; i < rows.size(); ++i) index.emplace(rows[i].id, i);
 }
 
-constexpr const char* ofProjectTickets = "WHERE ticket_id IN (SELECT id FROM tickets WHERE project_id = ?1)";
+// The rows that hang off the project's tickets, found ticket by ticket
+// through the index on the project's tickets.
+std::string ofProjectTickets(std::string_view table, std::string_view ticketColumn = "ticket_id") {
+  return std::string("JOIN tickets ON tickets.id = ")
+      .append(table)
+      .append(".")
+      .append(ticketColumn)
+      .append(" WHERE tickets.project_id = ?1");
+}
 
 // Rows come back in the order they were written, which is almost always the
 // order wanted; sorting here, only when needed, is far cheaper than letting
@@ -55,15 +63,16 @@ std::optional<ProjectSnapshot> ProjectSnapshot::load(Database& db, const Uuid& p
     s.milestones = rows::select<Milestone>(db, "WHERE project_id = ?1 ORDER BY date", projectId);
     s.iterations = rows::select<Iteration>(db, "WHERE project_id = ?1 ORDER BY start_date, name", projectId);
     s.people = rows::select<Person>(db, "ORDER BY name");
-    s.events = rows::select<TicketEvent>(db, ofProjectTickets, projectId);
+    s.events = rows::select<TicketEvent>(db, ofProjectTickets("ticket_events"), projectId);
     sortBy(s.events, [](const TicketEvent& e) { return e.at; });
-    s.comments = rows::select<TicketComment>(db, ofProjectTickets, projectId);
+    s.comments = rows::select<TicketComment>(db, ofProjectTickets("ticket_comments"), projectId);
     sortBy(s.comments, [](const TicketComment& c) { return c.createdAt; });
-    s.checklistItems = rows::select<ChecklistItem>(db, ofProjectTickets, projectId);
+    s.checklistItems = rows::select<ChecklistItem>(db, ofProjectTickets("checklist_items"), projectId);
     sortBy(s.checklistItems, [](const ChecklistItem& i) { return std::tie(i.ticketId, i.position); });
-    s.links = rows::select<TicketLink>(
-        db, "WHERE source_id IN (SELECT id FROM tickets WHERE project_id = ?1) ORDER BY created_at", projectId);
-    s.fileLinks = rows::select<TicketFileLink>(db, std::string(ofProjectTickets) + " ORDER BY added_at", projectId);
+    s.links =
+        rows::select<TicketLink>(db, ofProjectTickets("ticket_links", "source_id") + " ORDER BY ticket_links.created_at", projectId);
+    s.fileLinks =
+        rows::select<TicketFileLink>(db, ofProjectTickets("ticket_file_links") + " ORDER BY ticket_file_links.added_at", projectId);
     s.forecasts = rows::select<ForecastRecord>(db, "WHERE project_id = ?1 ORDER BY run_at", projectId);
     if (ownTransaction) db.exec("COMMIT");
     s.buildIndexes();
@@ -116,7 +125,8 @@ std::vector<const Ticket*> ProjectSnapshot::activeTickets(const BoardColumn& c) 
   for (const Ticket& t : tickets) {
     if (!t.isArchived() && t.columnId == c.id) found.push_back(&t);
   }
-  std::stable_sort(found.begin(), found.end(), [](const Ticket* a, const Ticket* b) { return a->position < b->position; });
+  std::stable_sort(found.begin(), found.end(),
+                   [](const Ticket* a, const Ticket* b) { return a->position < b->position; });
   return found;
 }
 

@@ -19,7 +19,8 @@ const std::string& selectSql() {
     std::string text = "SELECT ";
     for (std::size_t i = 0; i < Table<T>::columns.size(); ++i) {
       if (i > 0) text += ", ";
-      text += Table<T>::columns[i];
+      // Qualified, so a condition may join other tables.
+      text.append(Table<T>::name).append(".").append(Table<T>::columns[i]);
     }
     return text + " FROM " + std::string(Table<T>::name);
   }();
@@ -63,7 +64,7 @@ void remove(Database& db, const Uuid& id) {
   db.cached(sql).bindAll(id).run();
 }
 
-// Rows matching an SQL condition (with ORDER BY if wanted), e.g.
+// Rows matching an SQL condition (with JOIN and ORDER BY if wanted), e.g.
 // select<Ticket>(db, "WHERE column_id = ?1 ORDER BY position", columnId).
 template <typename T, typename... Params>
 std::vector<T> select(Database& db, std::string_view condition, const Params&... params) {

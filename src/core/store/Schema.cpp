@@ -110,7 +110,7 @@ CREATE TABLE tickets (
   assignee_id BLOB REFERENCES people(id) ON DELETE SET NULL,
   iteration_id BLOB REFERENCES iterations(id) ON DELETE SET NULL
 );
-CREATE INDEX tickets_by_project ON tickets(project_id, id);
+CREATE INDEX tickets_by_project ON tickets(project_id, number, id);
 CREATE INDEX tickets_by_column ON tickets(column_id, position);
 CREATE INDEX tickets_by_epic ON tickets(epic_id);
 CREATE INDEX tickets_by_assignee ON tickets(assignee_id);
