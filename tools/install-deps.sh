@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++          # build
   libssl-dev                     # SHA-256 for forecast seeds
-  libicu-dev                     # calendars and time zones
+  libsqlite3-dev                 # the store
+  libicu-dev                     # calendars, time zones, Unicode text
   nlohmann-json3-dev             # JSON output
   libgtest-dev libgmock-dev      # tests
   libbenchmark-dev               # benchmarks
