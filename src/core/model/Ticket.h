@@ -35,6 +35,8 @@ struct Ticket {
 
   bool isArchived() const { return archivedAt.has_value(); }
   std::optional<TicketPriority> priority() const { return ticketPriorityFromRaw(priorityRaw); }
+  // An unknown stored priority is shown and sorted as medium.
+  TicketPriority effectivePriority() const { return priority().value_or(TicketPriority::medium); }
   FlowState flow() const { return {startedAt, completedAt}; }
   void setFlow(const FlowState& state) {
     startedAt = state.startedAt;
