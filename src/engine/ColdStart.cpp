@@ -1,6 +1,7 @@
 #include "engine/ColdStart.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "engine/Fatal.h"
@@ -48,6 +49,10 @@ std::vector<std::int64_t> syntheticThroughput(double lambda, std::int64_t period
     counts.push_back(total);
   }
   return counts;
+}
+
+std::uint64_t fillerSeed(std::uint64_t projectIdLeadingWord, double rate) {
+  return projectIdLeadingWord ^ (std::bit_cast<std::uint64_t>(rate) * 0x9E3779B97F4A7C15ULL);
 }
 
 }  // namespace orvane::ColdStart

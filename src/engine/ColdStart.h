@@ -22,4 +22,9 @@ std::vector<PeriodWindow> windows(CivilDate endingOn, std::int64_t periods, std:
 // then invalidPeriods (periods < 1).
 std::vector<std::int64_t> syntheticThroughput(double lambda, std::int64_t periods, std::uint64_t seed);
 
+// The seed of a project's filler at a rate: the first eight bytes of the
+// project's id (big-endian) xor the rate's IEEE-754 bits times
+// 0x9E3779B97F4A7C15, wrapping. The filler changes only when the rate does.
+std::uint64_t fillerSeed(std::uint64_t projectIdLeadingWord, double rate);
+
 }  // namespace orvane::ColdStart
