@@ -1,0 +1,86 @@
+#include "core/forecast/ForecastInput.h"
+
+#include <algorithm>
+
+#include "core/forecast/ForecastServiceError.h"
+#include "engine/MonteCarlo.h"
+#include "engine/ThroughputMultiplier.h"
+
+namespace orvane {
+
+std::vector<double> simulatedSamples(const std::vector<PeriodCount>& history, double whatIfPercent) {
+  std::vector<double> samples = ThroughputHistory::samples(history);
+  // A what-if of exactly 0 leaves the samples untouched; anything else,
+  // including NaN, goes through the engine's check.
+  if (whatIfPercent != 0) samples = applyThroughputMultiplier(samples, whatIfPercent);
+  return samples;
+}
+
+WhenForecast ForecastInput::runWhen() const {
+  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
+  const ForecastResult result = MonteCarlo::run(samples, backlog, ForecastSettings::iterations,
+                                                ForecastSettings::maxPeriods, std::nullopt, std::nullopt);
+
+  WhenForecast forecast;
+  forecast.asOf = asOf;
+  forecast.backlog = backlog;
+  forecast.whatIfPercent = whatIfPercent;
+  forecast.history = history;
+  forecast.iterations = result.iterations;
+  forecast.periods = result.percentiles();
+  forecast.dates = result.dates(asOf, ForecastSettings::periodDays);
+  forecast.histogram =
+      buildHistogram(result.periodsDistribution, result.iterations, asOf, ForecastSettings::periodDays);
+  forecast.inconclusive = result.inconclusive;
+  forecast.commitment = commitment;
+  if (commitment) {
+    if (backlog == 0) {
+      forecast.commitmentConfidencePct = 100.0;
+    } else if (const std::int64_t days = commitment->daysSince(asOf); days < 0) {
+      forecast.commitmentConfidencePct = 0.0;
+    } else {
+      // Only whole weeks are simulated: a commitment 13 days away scores the
+      // simulations that finished within one week.
+      const std::int64_t weeks = days / ForecastSettings::periodDays;
+      const auto finished = std::count_if(result.periodsDistribution.begin(), result.periodsDistribution.end(),
+                                          [weeks](std::int64_t periods) { return periods <= weeks; });
+      forecast.commitmentConfidencePct =
+          static_cast<double>(finished) / static_cast<double>(result.periodsDistribution.size()) * 100.0;
+    }
+  }
+  return forecast;
+}
+
+ByDateForecast ForecastInput::runByDate() const {
+  if (!target) throw ForecastServiceError(ForecastServiceError::Case::missingTarget);
+  const std::int64_t days = target->daysSince(asOf);
+  if (days <= 0) throw ForecastServiceError(ForecastServiceError::Case::targetNotInFuture);
+  if (days > ForecastSettings::maxTargetDays) throw ForecastServiceError(ForecastServiceError::Case::horizonTooFar);
+
+  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
+  const std::int64_t wholePeriods = days / ForecastSettings::periodDays;
+  const ForecastResult result = MonteCarlo::run(samples, backlog, ForecastSettings::iterations,
+                                                ForecastSettings::maxPeriods, std::nullopt, wholePeriods);
+
+  ByDateForecast forecast;
+  forecast.asOf = asOf;
+  forecast.target = *target;
+  forecast.wholePeriods = wholePeriods;
+  forecast.backlog = backlog;
+  forecast.whatIfPercent = whatIfPercent;
+  forecast.history = history;
+  forecast.iterations = result.iterations;
+  forecast.counts = result.ticketsByHorizon().value_or(std::map<int, std::int64_t>{});
+  if (backlog == 0) {
+    forecast.backlogDonePct = 100.0;
+  } else {
+    const std::vector<double>& done = *result.completedByHorizon;
+    const double needed = static_cast<double>(backlog);
+    const auto finished =
+        std::count_if(done.begin(), done.end(), [needed](double completed) { return completed >= needed; });
+    forecast.backlogDonePct = static_cast<double>(finished) / static_cast<double>(done.size()) * 100.0;
+  }
+  return forecast;
+}
+
+}  // namespace orvane
