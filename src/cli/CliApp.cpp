@@ -1,19 +1,27 @@
 #include "cli/CliApp.h"
 
+#include <unicode/calendar.h>
+
 #include <algorithm>
 #include <array>
+#include <iostream>
+#include <memory>
 #include <new>
 #include <sstream>
 #include <string_view>
 
 #include "cli/BoardCommand.h"
+#include "cli/CalcCommand.h"
 #include "cli/CliError.h"
 #include "cli/Command.h"
+#include "cli/ForecastCommand.h"
 #include "cli/GlobalOptions.h"
 #include "cli/ProjectCommands.h"
 #include "cli/SimulateCommand.h"
 #include "cli/StoreAccess.h"
 #include "cli/TicketCommands.h"
+#include "core/forecast/ForecastServiceError.h"
+#include "engine/ForecastError.h"
 
 namespace orvane::cli {
 namespace {
@@ -26,6 +34,8 @@ constexpr std::array commands{
     Command{"project", "Create a project: project create NAME [--key PREFIX]", &runProject},
     Command{"board", "Show a project's board", &runBoard},
     Command{"ticket", "Add, move, archive or restore a ticket", &runTicket},
+    Command{"forecast", "Forecast a project, an epic, an iteration or the roadmap", &runForecast},
+    Command{"calc", "Run a project, iteration or roadmap forecast on JSON numbers", &runCalc},
 };
 
 void printUsage(std::ostream& os) {
@@ -41,14 +51,25 @@ void printUsage(std::ostream& os) {
 }
 
 const Command* findCommand(std::string_view name) {
-  const auto it = std::find_if(commands.begin(), commands.end(),
-                               [name](const Command& command) { return command.name == name; });
+  const auto it =
+      std::find_if(commands.begin(), commands.end(), [name](const Command& command) { return command.name == name; });
   return it == commands.end() ? nullptr : &*it;
 }
 
 }  // namespace
 
 int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(status));
+  if (U_FAILURE(status) || !calendar) {
+    err << "The calendar of this machine could not be loaded (" << u_errorName(status) << ").\n";
+    return exitFailure;
+  }
+  return runCli(args, std::cin, out, err, now, *calendar);
+}
+
+int runCli(std::span<const std::string> args, std::istream& in, std::ostream& out, std::ostream& err, Timestamp now,
+           const icu::Calendar& calendar) {
   GlobalOptions global;
   try {
     global = parseGlobalOptions(args);
@@ -78,7 +99,8 @@ int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& e
   std::ostringstream buffered;
   StoreAccess store(global.store);
   try {
-    const int code = command->run(args.subspan(1), CommandContext{buffered, err, global.now.value_or(now), store});
+    const CommandContext context{buffered, err, global.now.value_or(now), store, in, calendar};
+    const int code = command->run(args.subspan(1), context);
     out << buffered.str();
     return code;
   } catch (const CliError& error) {
@@ -92,6 +114,12 @@ int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& e
     return exitUsage;
   } catch (const MissingRecordError& error) {
     err << error.what() << '\n';
+    return exitUsage;
+  } catch (const ForecastServiceError& error) {
+    err << error.what() << '\n';
+    return exitUsage;
+  } catch (const ForecastFailure& failure) {
+    err << orvane::sentenceFor(failure.error()) << '\n';
     return exitUsage;
   } catch (const SqliteError& error) {
     err << "The database could not be read or written: " << error.what() << '\n';

@@ -1,10 +1,17 @@
 #pragma once
 
+#include <unicode/utypes.h>
+
+#include <istream>
 #include <ostream>
 #include <span>
 #include <string>
 
 #include "engine/Timestamp.h"
+
+U_NAMESPACE_BEGIN
+class Calendar;
+U_NAMESPACE_END
 
 namespace orvane::cli {
 
@@ -15,6 +22,13 @@ namespace orvane::cli {
 // (nothing was changed). A command's output reaches `out` only when it
 // succeeds; every refusal is one sentence on `err`. `now` is the clock for
 // anything that defaults to today, unless --now replaces it.
+// Standard input is std::cin and the calendar ICU's default (the machine's
+// time zone and locale).
 int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now);
+
+// As above, reading `in` as standard input and taking the days of epics and
+// iterations in `calendar`.
+int runCli(std::span<const std::string> args, std::istream& in, std::ostream& out, std::ostream& err, Timestamp now,
+           const icu::Calendar& calendar);
 
 }  // namespace orvane::cli

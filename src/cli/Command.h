@@ -1,11 +1,18 @@
 #pragma once
 
+#include <unicode/utypes.h>
+
+#include <istream>
 #include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "engine/Timestamp.h"
+
+U_NAMESPACE_BEGIN
+class Calendar;
+U_NAMESPACE_END
 
 namespace orvane::cli {
 
@@ -18,6 +25,10 @@ struct CommandContext {
   std::ostream& err;
   Timestamp now;       // the real clock, or --now
   StoreAccess& store;  // opened on first use
+  std::istream& in;    // standard input, for commands that read "-"
+  // The user's calendar and time zone: the days of epics' and iterations'
+  // dates. Forecast days themselves are UTC days.
+  const icu::Calendar& calendar;
 };
 
 // A subcommand receives the arguments after its own name and returns the

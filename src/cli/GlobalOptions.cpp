@@ -53,7 +53,8 @@ std::optional<Timestamp> parseInstant(std::string_view text) {
     if (expect(text, at, '.')) {
       double scale = 0.1;
       const std::size_t start = at;
-      for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at, scale /= 10) seconds += (text[at] - '0') * scale;
+      for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at, scale /= 10)
+        seconds += (text[at] - '0') * scale;
       if (at == start) return std::nullopt;
     }
   }
@@ -66,6 +67,13 @@ std::optional<Timestamp> parseInstant(std::string_view text) {
   if (!offsetMinutes || *offsetMinutes > 59 || at != text.size()) return std::nullopt;
   // 10:00+01:00 is 09:00Z.
   return Timestamp{seconds - sign * (*offsetHours * 3600.0 + *offsetMinutes * 60.0)};
+}
+
+std::optional<CivilDate> parseDay(std::string_view text) {
+  if (text.size() != 10) return std::nullopt;
+  const std::optional<Timestamp> midnight = parseInstant(text);
+  if (!midnight) return std::nullopt;
+  return CivilDate::fromUtc(*midnight);
 }
 
 GlobalOptions parseGlobalOptions(std::span<const std::string> args) {

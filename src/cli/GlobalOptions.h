@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/CivilDate.h"
 #include "engine/Timestamp.h"
 
 namespace orvane::cli {
@@ -28,5 +29,8 @@ GlobalOptions parseGlobalOptions(std::span<const std::string> args);
 // zone is "Z" or an offset such as "+01:00". Absent for anything else,
 // including days that do not exist.
 std::optional<Timestamp> parseInstant(std::string_view text);
+
+// A day that exists, written YYYY-MM-DD and nothing more.
+std::optional<CivilDate> parseDay(std::string_view text);
 
 }  // namespace orvane::cli

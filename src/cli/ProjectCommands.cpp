@@ -6,6 +6,7 @@
 #include "cli/CliError.h"
 #include "cli/OptionParser.h"
 #include "cli/StoreAccess.h"
+#include "cli/TextLayout.h"
 
 namespace orvane::cli {
 namespace {
@@ -44,17 +45,6 @@ struct ProjectLine {
   std::int64_t open = 0;
   std::int64_t tickets = 0;
 };
-
-// Terminal columns of UTF-8 text, one per code point: close enough for the
-// names people give projects.
-std::size_t widthOf(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
-std::string padded(std::string_view text, std::size_t width) {
-  return std::string(text) + std::string(width > widthOf(text) ? width - widthOf(text) : 0, ' ');
-}
 
 }  // namespace
 
@@ -100,11 +90,11 @@ int runProjects(std::span<const std::string> args, const CommandContext& context
     nameWidth = std::max(nameWidth, widthOf(line.project->name));
     keyWidth = std::max(keyWidth, widthOf(line.project->key));
   }
-  context.out << padded("PROJECT", nameWidth) << "  " << padded("KEY", keyWidth) << "  OPEN  TICKETS\n";
+  context.out << padRight("PROJECT", nameWidth) << "  " << padRight("KEY", keyWidth) << "  OPEN  TICKETS\n";
   for (const ProjectLine& line : lines) {
     const std::string open = std::to_string(line.open);
     const std::string tickets = std::to_string(line.tickets);
-    context.out << padded(line.project->name, nameWidth) << "  " << padded(line.project->key, keyWidth) << "  "
+    context.out << padRight(line.project->name, nameWidth) << "  " << padRight(line.project->key, keyWidth) << "  "
                 << std::string(open.size() < 4 ? 4 - open.size() : 0, ' ') << open << "  "
                 << std::string(tickets.size() < 7 ? 7 - tickets.size() : 0, ' ') << tickets << '\n';
   }

@@ -43,12 +43,14 @@ ProjectSnapshot loadProject(BoardService& service, std::string_view nameOrKey) {
 const Ticket& findTicket(const ProjectSnapshot& project, std::string_view reference) {
   const std::string wanted = text::trimmed(reference);
   const std::size_t dash = wanted.rfind('-');
-  const std::string_view number = dash == std::string::npos ? std::string_view(wanted) : std::string_view(wanted).substr(dash + 1);
+  const std::string_view number =
+      dash == std::string::npos ? std::string_view(wanted) : std::string_view(wanted).substr(dash + 1);
   const ParsedNumber<std::int64_t> parsed = parseInt64(number);
   if (!parsed.ok() || number.starts_with('+') || (dash != std::string::npos && dash == 0)) {
     throw CliError(inQuotes(wanted) + " is not a ticket reference like " + project.project.key + "-12.");
   }
-  const bool keyMatches = dash == std::string::npos || text::equalIgnoringCase(wanted.substr(0, dash), project.project.key);
+  const bool keyMatches =
+      dash == std::string::npos || text::equalIgnoringCase(wanted.substr(0, dash), project.project.key);
   const auto ticket = std::find_if(project.tickets.begin(), project.tickets.end(),
                                    [&](const Ticket& t) { return t.number == parsed.value; });
   if (!keyMatches || ticket == project.tickets.end()) {
@@ -62,8 +64,8 @@ const BoardColumn& findColumn(const ProjectSnapshot& project, std::string_view n
   for (const BoardColumn& column : project.columns) {
     if (text::equalIgnoringCase(column.name, wanted)) return column;
   }
-  throw CliError("There is no column " + inQuotes(wanted) + " in " + inQuotes(project.project.name) + "; its columns are " +
-                 namesOf(project.columns) + ".");
+  throw CliError("There is no column " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
+                 "; its columns are " + namesOf(project.columns) + ".");
 }
 
 const Epic& findEpic(const ProjectSnapshot& project, std::string_view name) {
@@ -71,8 +73,19 @@ const Epic& findEpic(const ProjectSnapshot& project, std::string_view name) {
   for (const Epic& epic : project.epics) {
     if (text::equalIgnoringCase(epic.name, wanted)) return epic;
   }
-  throw CliError("There is no epic " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
-                 (project.epics.empty() ? std::string("; it has no epics.") : "; its epics are " + namesOf(project.epics) + "."));
+  throw CliError(
+      "There is no epic " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
+      (project.epics.empty() ? std::string("; it has no epics.") : "; its epics are " + namesOf(project.epics) + "."));
+}
+
+const Iteration& findIteration(const ProjectSnapshot& project, std::string_view name) {
+  const std::string wanted = text::trimmed(name);
+  for (const Iteration& iteration : project.iterations) {
+    if (text::equalIgnoringCase(iteration.name, wanted)) return iteration;
+  }
+  throw CliError("There is no iteration " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
+                 (project.iterations.empty() ? std::string("; it has no iterations.")
+                                             : "; its iterations are " + namesOf(project.iterations) + "."));
 }
 
 }  // namespace orvane::cli

@@ -18,5 +18,6 @@ const Ticket& findTicket(const ProjectSnapshot& project, std::string_view refere
 // By name, ignoring case and surrounding white space.
 const BoardColumn& findColumn(const ProjectSnapshot& project, std::string_view name);
 const Epic& findEpic(const ProjectSnapshot& project, std::string_view name);
+const Iteration& findIteration(const ProjectSnapshot& project, std::string_view name);
 
 }  // namespace orvane::cli

@@ -3,14 +3,6 @@
 #include <string>
 
 namespace orvane::cli {
-namespace {
-
-template <typename Value, typename Convert>
-nlohmann::json byLevel(const std::map<int, Value>& values, Convert convert) {
-  nlohmann::json object = nlohmann::json::object();
-  for (const auto& [level, value] : values) object[std::to_string(level)] = convert(value);
-  return object;
-}
 
 nlohmann::json histogramJson(const std::vector<HistogramBin>& bins) {
   nlohmann::json array = nlohmann::json::array();
@@ -24,8 +16,6 @@ nlohmann::json histogramJson(const std::vector<HistogramBin>& bins) {
   }
   return array;
 }
-
-}  // namespace
 
 nlohmann::json simulateJson(const SimulateReport& report) {
   const ForecastResult& result = report.result;

@@ -16,4 +16,12 @@ BoardService& StoreAccess::service() {
   return *service_;
 }
 
+ForecastService& StoreAccess::forecasts() {
+  if (!forecasts_) {
+    service();
+    forecasts_ = std::make_unique<ForecastService>(*store_);
+  }
+  return *forecasts_;
+}
+
 }  // namespace orvane::cli

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "core/board/BoardService.h"
+#include "core/forecast/ForecastService.h"
 #include "core/store/Store.h"
 
 namespace orvane::cli {
@@ -21,11 +22,14 @@ class StoreAccess {
   // Throws CliError (exit 1) with "The database could not be opened: " and
   // the store's own reason when the file cannot be opened.
   BoardService& service();
+  // The forecast service over the same store; throws as service() does.
+  ForecastService& forecasts();
 
  private:
   std::optional<std::filesystem::path> path_;
   std::optional<Store> store_;
-  std::unique_ptr<BoardService> service_;  // refers to *store_
+  std::unique_ptr<BoardService> service_;       // refers to *store_
+  std::unique_ptr<ForecastService> forecasts_;  // refers to *store_
 };
 
 }  // namespace orvane::cli

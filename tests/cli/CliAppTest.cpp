@@ -15,7 +15,7 @@ TEST(CliApp, routesHelpUsageAndUnknownWordsToTheRightStream) {
       {{"--help"}, 0, "Usage: orvane-cli [--store PATH] [--now TIME] <command>", ""},
       {{"simulate", "--help"}, 0, "--samples LIST", ""},
       {{}, 2, "", "Usage: orvane-cli [--store PATH] [--now TIME] <command>"},
-      {{"forecast"}, 2, "", "Unknown command \"forecast\"; run \"orvane-cli --help\" for the list of commands.\n"},
+      {{"forecasts"}, 2, "", "Unknown command \"forecasts\"; run \"orvane-cli --help\" for the list of commands.\n"},
       {{"--verbose"}, 2, "", "Unknown option \"--verbose\"; run \"orvane-cli --help\" for the list of commands.\n"},
       {{"--now", "2026-03-05", "--help"}, 0, "Usage: orvane-cli", ""},
       {{"--store=x.sqlite"}, 2, "", "Usage: orvane-cli"},
@@ -26,8 +26,14 @@ TEST(CliApp, routesHelpUsageAndUnknownWordsToTheRightStream) {
     const CliRun run = runWith(c.args);
     SCOPED_TRACE(c.args.empty() ? "(no arguments)" : c.args.front());
     EXPECT_EQ(run.code, c.code);
-    if (c.inOut.empty()) EXPECT_EQ(run.out, ""); else EXPECT_NE(run.out.find(c.inOut), std::string::npos) << run.out;
-    if (c.inErr.empty()) EXPECT_EQ(run.err, ""); else EXPECT_NE(run.err.find(c.inErr), std::string::npos) << run.err;
+    if (c.inOut.empty())
+      EXPECT_EQ(run.out, "");
+    else
+      EXPECT_NE(run.out.find(c.inOut), std::string::npos) << run.out;
+    if (c.inErr.empty())
+      EXPECT_EQ(run.err, "");
+    else
+      EXPECT_NE(run.err.find(c.inErr), std::string::npos) << run.err;
   }
 }
 

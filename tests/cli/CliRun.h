@@ -1,7 +1,11 @@
 #pragma once
 
+#include <unicode/gregocal.h>
+#include <unicode/timezone.h>
+
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/CliApp.h"
@@ -18,10 +22,22 @@ struct CliRun {
   std::string err;
 };
 
-inline CliRun runWith(const std::vector<std::string>& args, Timestamp now = fixedNow) {
+// The user's calendar of every test run: UTC, so days of epics and
+// iterations never follow the machine's time zone.
+inline const icu::Calendar& utcCalendar() {
+  static const icu::GregorianCalendar calendar = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    return icu::GregorianCalendar(icu::TimeZone::createTimeZone("UTC"), status);
+  }();
+  return calendar;
+}
+
+// `input` is the run's standard input; a test never reads the real one.
+inline CliRun runWith(const std::vector<std::string>& args, Timestamp now = fixedNow, std::string_view input = {}) {
+  std::istringstream in{std::string(input)};
   std::ostringstream out;
   std::ostringstream err;
-  const int code = runCli(args, out, err, now);
+  const int code = runCli(args, in, out, err, now, utcCalendar());
   return {code, out.str(), err.str()};
 }
 
