@@ -8,10 +8,14 @@ packages=(
   libssl-dev                     # SHA-256 for forecast seeds
   libsqlite3-dev                 # the store
   libicu-dev                     # calendars, time zones, Unicode text
-  nlohmann-json3-dev             # JSON output
+  nlohmann-json3-dev             # JSON output, backups
+  zlib1g-dev                     # raw DEFLATE inside ZIP and XLSX files
+  libexpat1-dev                  # XML inside XLSX files
+  qt6-base-dev qt6-charts-dev    # the desktop application
   libgtest-dev libgmock-dev      # tests
   libbenchmark-dev               # benchmarks
   python3-numpy                  # reference computations in tools/
+  python3-openpyxl               # an independent XLSX writer and reader for tests
 )
 
 missing=()
