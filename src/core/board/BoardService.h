@@ -4,9 +4,11 @@
 #include <string_view>
 #include <vector>
 
+#include "core/backup/BackupReport.h"
 #include "core/board/BoardError.h"
 #include "core/board/BoardTypes.h"
 #include "core/board/PMError.h"
+#include "core/exchange/TicketImport.h"
 #include "core/model/LinkKind.h"
 #include "core/model/ProjectSnapshot.h"
 #include "core/store/Store.h"
@@ -81,10 +83,15 @@ class BoardService {
   void setThisWeek(const Uuid& ticket, bool thisWeek);
   void clearThisWeek(const Uuid& project);  // every ticket of the project
   TicketComment addComment(const Uuid& ticket, std::string_view body, Timestamp now);
+  void editComment(const Uuid& comment, std::string_view body);  // keeps createdAt
+  void deleteComment(const Uuid& comment);
   ChecklistItem addChecklistItem(const Uuid& ticket, std::string_view title);
   void setChecklistItem(const Uuid& item, bool done);
   void renameChecklistItem(const Uuid& item, std::string_view title);
   void deleteChecklistItem(const Uuid& item);
+  // Moves the item to `to` (clamped) among its ticket's items, renumbering
+  // them 0..n-1.
+  void moveChecklistItem(const Uuid& item, std::int64_t to);
   TicketLink addLink(const Uuid& source, const Uuid& target, LinkKind kind, Timestamp now);
   void removeLink(const Uuid& link);
   TicketFileLink addFileLink(const Uuid& ticket, std::string_view path, Timestamp now);
@@ -99,6 +106,16 @@ class BoardService {
   void startIteration(const Uuid& iteration, Timestamp now);
   IterationCloseResult closeIteration(const Uuid& iteration, const IterationCarryOver& carryOver, Timestamp now);
   void deleteIteration(const Uuid& iteration);
+
+  // The whole store as a backup document, and a backup's content added
+  // beside what is there (core/backup/Backup.h has the contracts).
+  std::string makeBackup(Timestamp now);
+  Backup::Report restoreBackup(std::string_view bytes);
+
+  // Tickets parsed from a CSV file or a workbook, added to the project in one
+  // transaction (core/exchange/TicketImport.h has the rules and the report).
+  ImportReport importTickets(const ParsedImport& parsed, const Uuid& project, Timestamp now,
+                             bool extendProjectHistory, const ImportOptions& options = {});
 
   // A realistic sample project, built through the operations above with dates
   // relative to `now`.
