@@ -10,16 +10,24 @@
 #include <sstream>
 #include <string_view>
 
+#include "cli/AccuracyCommand.h"
+#include "cli/BackupCommand.h"
 #include "cli/BoardCommand.h"
 #include "cli/CalcCommand.h"
+#include "cli/CalendarCommand.h"
 #include "cli/CliError.h"
 #include "cli/Command.h"
+#include "cli/ExchangeCommands.h"
+#include "cli/FlowCommand.h"
 #include "cli/ForecastCommand.h"
+#include "cli/ReportCommand.h"
 #include "cli/GlobalOptions.h"
+#include "cli/HealthCommand.h"
 #include "cli/ProjectCommands.h"
 #include "cli/SimulateCommand.h"
 #include "cli/StoreAccess.h"
 #include "cli/TicketCommands.h"
+#include "cli/TicketsCommand.h"
 #include "core/forecast/ForecastServiceError.h"
 #include "engine/ForecastError.h"
 
@@ -34,8 +42,19 @@ constexpr std::array commands{
     Command{"project", "Create a project: project create NAME [--key PREFIX]", &runProject},
     Command{"board", "Show a project's board", &runBoard},
     Command{"ticket", "Add, move, archive or restore a ticket", &runTicket},
+    Command{"tickets", "List a project's tickets, narrowed by filters", &runTickets},
+    Command{"calendar", "Show a month of a project's tickets by due date", &runCalendar},
     Command{"forecast", "Forecast a project, an epic, an iteration or the roadmap", &runForecast},
+    Command{"flow", "A project's throughput, cycle time, work age and cumulative flow", &runFlow},
+    Command{"report", "Summary, epics, risks, workload or completed work of a project", &runReport},
     Command{"calc", "Run a project, iteration or roadmap forecast on JSON numbers", &runCalc},
+    Command{"health", "Sum up a project's recent flow in figures and sentences", &runHealth},
+    Command{"accuracy", "Judge a project's logged forecasts against what happened", &runAccuracy},
+    Command{"export", "Write a project's tickets to a .csv or .xlsx file", &runExport},
+    Command{"import", "Add tickets from a .csv or .xlsx file to a project", &runImport},
+    Command{"template", "Write an .xlsx import template to fill in", &runTemplate},
+    Command{"backup", "Write every project and person to a JSON backup file", &runBackup},
+    Command{"restore", "Add the projects of a backup file beside the ones there", &runRestore},
 };
 
 void printUsage(std::ostream& os) {

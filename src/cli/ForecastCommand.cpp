@@ -13,6 +13,8 @@
 #include "cli/ProjectLookup.h"
 #include "cli/StoreAccess.h"
 #include "cli/TextLayout.h"
+#include "core/accuracy/ForecastAccuracy.h"
+#include "core/accuracy/ForecastNarrative.h"
 #include "engine/ColdStart.h"
 
 namespace orvane::cli {
@@ -144,6 +146,12 @@ int projectForecast(const ParsedOptions& parsed, const CommandContext& context, 
     writeBacklog(forecast.backlog, project.remainingBacklog(), change, forecast.asOf, text);
     writeWhatIf(whatIf, text);
     writeWhenText(forecast, "Committed date", text);
+    // In words, against the latest logged run before this one.
+    text << '\n';
+    for (const std::string& line :
+         ForecastNarrative::lines(forecast, latestBefore(forecastHistory(project), context.now))) {
+      writeWrapped(text, line);
+    }
   }
   if (parsed.has("--json")) {
     if (record) result["logged"] = forecastRecordJson(*record);

@@ -24,6 +24,12 @@ class StoreAccess {
   BoardService& service();
   // The forecast service over the same store; throws as service() does.
   ForecastService& forecasts();
+  // The store itself, for work that spans one transaction of its own
+  // (ticket import); opens it as service() does.
+  Store& store() {
+    service();
+    return *store_;
+  }
 
  private:
   std::optional<std::filesystem::path> path_;

@@ -27,8 +27,8 @@ json runJson(std::initializer_list<std::string> extra) {
 }
 
 TEST(SimulateCommand, jsonMatchesTheEngineRunDirectly) {
-  const json j = runJson({"--samples", "3,5,4", "--backlog", "30", "--seed", "42", "--iterations", "500",
-                          "--horizon", "6", "--as-of", "2026-01-10", "--json"});
+  const json j = runJson({"--samples", "3,5,4", "--backlog", "30", "--seed", "42", "--iterations", "500", "--horizon",
+                          "6", "--as-of", "2026-01-10", "--json"});
   const std::vector<double> samples{3, 5, 4};
   const ForecastResult expected = MonteCarlo::run(samples, 30, 500, 520, 42, 6);
   const CivilDate asOf{2026, 1, 10};
@@ -59,14 +59,13 @@ TEST(SimulateCommand, jsonMatchesTheEngineRunDirectly) {
   }
   std::vector<std::string> keys;
   for (const auto& item : j.items()) keys.push_back(item.key());
-  EXPECT_EQ(keys, (std::vector<std::string>{"backlogSize", "completedByHorizon", "dates", "histogram",
-                                            "inconclusive", "iterations", "p50", "p70", "p85", "p95",
-                                            "periodsDistribution", "seed", "ticketsByHorizon"}));
+  EXPECT_EQ(keys, (std::vector<std::string>{"backlogSize", "completedByHorizon", "dates", "histogram", "inconclusive",
+                                            "iterations", "p50", "p70", "p85", "p95", "periodsDistribution", "seed",
+                                            "ticketsByHorizon"}));
 }
 
 TEST(SimulateCommand, whatIfAdjustsTheSamplesTheSeedDerivesFrom) {
-  const json j =
-      runJson({"--samples", "4, 8", "--backlog", "10", "--what-if", "-50", "--iterations", "200", "--json"});
+  const json j = runJson({"--samples", "4, 8", "--backlog", "10", "--what-if", "-50", "--iterations", "200", "--json"});
   const std::vector<double> adjusted{2, 4};
   EXPECT_EQ(j["seed"], deriveSeed(adjusted, 10));
   EXPECT_EQ(j["periodsDistribution"].get<std::vector<std::int64_t>>(),
@@ -83,8 +82,7 @@ TEST(SimulateCommand, asOfDefaultsToTheUtcDayOfNow) {
 }
 
 TEST(SimulateCommand, textShowsLevelsDatesHorizonAndHistogram) {
-  const CliRun run =
-      runWith(simulate({"--samples", "5", "--backlog", "12", "--horizon", "2", "--iterations", "100"}));
+  const CliRun run = runWith(simulate({"--samples", "5", "--backlog", "12", "--horizon", "2", "--iterations", "100"}));
   ASSERT_EQ(run.code, 0) << run.err;
   for (const char* expected : {
            "Forecast: 12 tickets, 1 sample, 100 simulations, seed ",
@@ -100,12 +98,11 @@ TEST(SimulateCommand, textShowsLevelsDatesHorizonAndHistogram) {
 }
 
 TEST(SimulateCommand, textWarnsWhenInconclusiveAndFitsEightyColumns) {
-  const CliRun run = runWith(simulate({"--samples", "0,1", "--backlog", "40", "--max-periods", "52",
-                                       "--what-if", "12.5", "--seed", "18446744073709551615"}));
+  const CliRun run = runWith(simulate({"--samples", "0,1", "--backlog", "40", "--max-periods", "52", "--what-if",
+                                       "12.5", "--seed", "18446744073709551615"}));
   ASSERT_EQ(run.code, 0) << run.err;
   EXPECT_NE(run.out.find("What-if: every sample changed by +12.5% before simulating."), std::string::npos);
-  EXPECT_NE(run.out.find("Inconclusive: some simulations did not finish within 52 weeks;"),
-            std::string::npos);
+  EXPECT_NE(run.out.find("Inconclusive: some simulations did not finish within 52 weeks;"), std::string::npos);
   std::istringstream lines(run.out);
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80u) << line;
 }
@@ -128,27 +125,20 @@ TEST(SimulateCommand, badInputIsOneExactSentenceAndNothingOnStdout) {
       {{s, "3"}, "Option --backlog is required: the number of tickets left to do."},
       {{s, "3", b, "12.5"}, "--backlog must be a whole number of 0 or more, not \"12.5\"."},
       {{s, "3", b, "-1"}, "--backlog must be a whole number of 0 or more, not \"-1\"."},
-      {{s, "3", b, "1", "--iterations", "0"},
-       "--iterations must be a whole number from 1 to 10000000, not \"0\"."},
-      {{s, "3", b, "1", "--iterations", "ten"},
-       "--iterations must be a whole number from 1 to 10000000, not \"ten\"."},
-      {{s, "3", b, "1", "--max-periods", "-1"},
-       "--max-periods must be a whole number from 0 to 100000, not \"-1\"."},
+      {{s, "3", b, "1", "--iterations", "0"}, "--iterations must be a whole number from 1 to 10000000, not \"0\"."},
+      {{s, "3", b, "1", "--iterations", "ten"}, "--iterations must be a whole number from 1 to 10000000, not \"ten\"."},
+      {{s, "3", b, "1", "--max-periods", "-1"}, "--max-periods must be a whole number from 0 to 100000, not \"-1\"."},
       {{s, "3", b, "1", "--horizon", "-1"},
        "--horizon must be a whole number from 0 to 520 (the --max-periods), not \"-1\"."},
       {{s, "3", b, "1", "--max-periods", "10", "--horizon", "11"},
        "--horizon must be a whole number from 0 to 10 (the --max-periods), not \"11\"."},
-      {{s, "3", b, "1", "--seed", "-1"},
-       "--seed must be a whole number from 0 to 18446744073709551615, not \"-1\"."},
+      {{s, "3", b, "1", "--seed", "-1"}, "--seed must be a whole number from 0 to 18446744073709551615, not \"-1\"."},
       {{s, "3", b, "1", "--seed", "18446744073709551616"},
        "--seed must be a whole number from 0 to 18446744073709551615, not \"18446744073709551616\"."},
       {{s, "3", b, "1", "--what-if", "-100"}, "--what-if must be greater than -100 percent, not \"-100\"."},
-      {{s, "3", b, "1", "--what-if", "20%"},
-       "--what-if must be a percentage such as 20 or -15, not \"20%\"."},
-      {{s, "3", b, "1", "--as-of", "2026-02-30"},
-       "--as-of must be a real day written YYYY-MM-DD, not \"2026-02-30\"."},
-      {{s, "3", b, "1", "--as-of", "2026-3-5"},
-       "--as-of must be a real day written YYYY-MM-DD, not \"2026-3-5\"."},
+      {{s, "3", b, "1", "--what-if", "20%"}, "--what-if must be a percentage such as 20 or -15, not \"20%\"."},
+      {{s, "3", b, "1", "--as-of", "2026-02-30"}, "--as-of must be a real day written YYYY-MM-DD, not \"2026-02-30\"."},
+      {{s, "3", b, "1", "--as-of", "2026-3-5"}, "--as-of must be a real day written YYYY-MM-DD, not \"2026-3-5\"."},
       {{s, "3", b, "1", "--as-of", "2026-03-05T10:00"},
        "--as-of must be a real day written YYYY-MM-DD, not \"2026-03-05T10:00\"."},
       {{s, "3", b, "1", "--verbose"},

@@ -64,15 +64,21 @@ TEST_F(StoreCommands, createAddMoveShowArchiveAndRestore) {
   EXPECT_EQ(review["wipLimit"], 3);
   EXPECT_EQ(review["count"], 4);
   EXPECT_EQ(review["overWipLimit"], true);
-  EXPECT_EQ(review["tickets"][1], (json{{"ref", "WS-1"}, {"number", 1}, {"title", "Checkout"}, {"priority", "medium"},
-                                        {"assignee", nullptr}, {"blocked", false}}));
+  EXPECT_EQ(review["tickets"][1], (json{{"ref", "WS-1"},
+                                        {"number", 1},
+                                        {"title", "Checkout"},
+                                        {"priority", "medium"},
+                                        {"assignee", nullptr},
+                                        {"blocked", false}}));
   EXPECT_EQ(board["columns"][0]["wipLimit"], nullptr);
 
   EXPECT_EQ(ok({"ticket", "archive", "ws", "WS-2"}), "Archived WS-2.\n");
   EXPECT_EQ(ok({"ticket", "archive", "ws", "WS-2"}), "WS-2 is already archived.\n");
-  EXPECT_EQ(json::parse(ok({"projects", "--json"})),
-            (json::array({{{"id", board["project"]["id"]}, {"name", "Web shop"}, {"key", "WS"}, {"openTickets", 4},
-                           {"tickets", 4}}})));
+  EXPECT_EQ(json::parse(ok({"projects", "--json"})), (json::array({{{"id", board["project"]["id"]},
+                                                                    {"name", "Web shop"},
+                                                                    {"key", "WS"},
+                                                                    {"openTickets", 4},
+                                                                    {"tickets", 4}}})));
   EXPECT_EQ(ok({"ticket", "restore", "ws", "ws-2"}), "Restored WS-2 to To Do.\n");
   EXPECT_EQ(ok({"projects"}), "PROJECT   KEY  OPEN  TICKETS\nWeb shop  WS      5        5\n");
 
@@ -106,11 +112,16 @@ TEST_F(StoreCommands, refusalsExplainThemselvesAndChangeNothing) {
       {{"ticket", "archive", "WS", "WS-x"}, "\"WS-x\" is not a ticket reference like WS-12.\n"},
       {{"ticket", "add", "WS", "T", "--column", "Doing"},
        "There is no column \"Doing\" in \"Web shop\"; its columns are Backlog, To Do, In Progress, Review, Done.\n"},
-      {{"ticket", "add", "WS", "T", "--epic", "Launch"}, "There is no epic \"Launch\" in \"Web shop\"; it has no epics.\n"},
-      {{"ticket", "add", "WS", "T", "--priority", "asap"}, "--priority must be low, medium, high or urgent, not \"asap\".\n"},
-      {{"ticket", "move", "WS", "WS-1", "Done", "--index", "top"}, "--index needs a whole number, such as --index 0 for the top.\n"},
-      {{"ticket", "move", "WS", "WS-1"}, "ticket move needs PROJECT, REF and COLUMN; run \"orvane-cli ticket move --help\" for its usage.\n"},
-      {{"ticket", "restore", "WS", "WS-1", "extra"}, "Unexpected argument \"extra\"; ticket restore takes PROJECT and REF.\n"},
+      {{"ticket", "add", "WS", "T", "--epic", "Launch"},
+       "There is no epic \"Launch\" in \"Web shop\"; it has no epics.\n"},
+      {{"ticket", "add", "WS", "T", "--priority", "asap"},
+       "--priority must be low, medium, high or urgent, not \"asap\".\n"},
+      {{"ticket", "move", "WS", "WS-1", "Done", "--index", "top"},
+       "--index needs a whole number, such as --index 0 for the top.\n"},
+      {{"ticket", "move", "WS", "WS-1"},
+       "ticket move needs PROJECT, REF and COLUMN; run \"orvane-cli ticket move --help\" for its usage.\n"},
+      {{"ticket", "restore", "WS", "WS-1", "extra"},
+       "Unexpected argument \"extra\"; ticket restore takes PROJECT and REF.\n"},
       {{"ticket", "close", "WS"}, "Unknown ticket command \"close\"; use add, move, archive or restore.\n"},
   };
   for (const auto& c : cases) {
