@@ -11,7 +11,8 @@ packages=(
   nlohmann-json3-dev             # JSON output, backups
   zlib1g-dev                     # raw DEFLATE inside ZIP and XLSX files
   libexpat1-dev                  # XML inside XLSX files
-  qt6-base-dev qt6-charts-dev    # the desktop application
+  qt6-base-dev                   # the desktop application
+  xvfb xauth                     # tools/screenshots draws the app without a display
   libgtest-dev libgmock-dev      # tests
   libbenchmark-dev               # benchmarks
   python3-numpy                  # reference computations in tools/

@@ -1,0 +1,332 @@
+#include "app/IterationsView.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/AppContext.h"
+#include "app/Confirm.h"
+#include "app/ItemIds.h"
+#include "app/IterationCloseDialog.h"
+#include "app/IterationDialog.h"
+#include "engine/LocalCivilDate.h"
+
+namespace orvane::app {
+namespace {
+
+constexpr int idRole = Qt::UserRole;
+
+enum IterationColumn {
+  nameColumn,
+  stateColumn,
+  datesColumn,
+  ticketsColumn,
+  doneColumn,
+  openColumn,
+  committedColumn,
+  finishedColumn,
+  carriedOverColumn
+};
+
+QPushButton* button(const QString& text, const char* objectName, QWidget* parent) {
+  auto* made = new QPushButton(text, parent);
+  made->setObjectName(QLatin1String(objectName));
+  return made;
+}
+
+std::optional<Uuid> currentId(const QTreeWidget* tree) {
+  const QTreeWidgetItem* item = tree->currentItem();
+  return item ? idFrom(item->data(0, idRole)) : std::nullopt;
+}
+
+}  // namespace
+
+IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectViewBase(context, parent) {
+  setObjectName(QStringLiteral("iterationsView"));
+  iterations_ = new QTreeWidget(this);
+  iterations_->setObjectName(QStringLiteral("iterations"));
+  iterations_->setRootIsDecorated(false);
+  iterations_->setHeaderLabels({QStringLiteral("Iteration"), QStringLiteral("State"), QStringLiteral("Dates"),
+                                QStringLiteral("Tickets"), QStringLiteral("Done"), QStringLiteral("Open"),
+                                QStringLiteral("Committed"), QStringLiteral("Finished"),
+                                QStringLiteral("Carried over")});
+  iterations_->header()->setStretchLastSection(false);
+  iterations_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  iterations_->header()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+  connect(iterations_, &QTreeWidget::currentItemChanged, this, [this] {
+    fillTickets();
+    updateButtons();
+  });
+  connect(iterations_, &QTreeWidget::itemActivated, this, &IterationsView::editIteration);
+
+  auto* create = button(QStringLiteral("New iteration…"), "newIteration", this);
+  edit_ = button(QStringLiteral("Edit…"), "editIteration", this);
+  start_ = button(QStringLiteral("Start"), "startIteration", this);
+  close_ = button(QStringLiteral("Close…"), "closeIteration", this);
+  delete_ = button(QStringLiteral("Delete"), "deleteIteration", this);
+  connect(create, &QPushButton::clicked, this, &IterationsView::newIteration);
+  connect(edit_, &QPushButton::clicked, this, &IterationsView::editIteration);
+  connect(start_, &QPushButton::clicked, this, &IterationsView::startIteration);
+  connect(close_, &QPushButton::clicked, this, &IterationsView::closeIteration);
+  connect(delete_, &QPushButton::clicked, this, &IterationsView::deleteIteration);
+
+  notice_ = new QLabel(this);
+  notice_->setObjectName(QStringLiteral("notice"));
+  notice_->setWordWrap(true);
+  goal_ = new QLabel(this);
+  goal_->setObjectName(QStringLiteral("goal"));
+  goal_->setWordWrap(true);
+
+  tickets_ = new QTreeWidget(this);
+  tickets_->setObjectName(QStringLiteral("iterationTickets"));
+  tickets_->setRootIsDecorated(false);
+  tickets_->setHeaderLabels(
+      {QStringLiteral("Ticket"), QStringLiteral("Title"), QStringLiteral("Column"), QStringLiteral("State")});
+  tickets_->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+  connect(tickets_, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
+    if (const auto id = idFrom(item->data(0, idRole))) emit openTicketRequested(*id);
+  });
+  auto* takeOut = button(QStringLiteral("Take out of the iteration"), "takeTicketOut", this);
+  connect(takeOut, &QPushButton::clicked, this, &IterationsView::takeTicketOut);
+  candidates_ = new QComboBox(this);
+  candidates_->setObjectName(QStringLiteral("candidates"));
+  add_ = button(QStringLiteral("Add to the iteration"), "addTicket", this);
+  connect(add_, &QPushButton::clicked, this, &IterationsView::addTicket);
+
+  auto* top = new QWidget(this);
+  auto* topLayout = new QVBoxLayout(top);
+  topLayout->setContentsMargins(0, 0, 0, 0);
+  auto* buttons = new QHBoxLayout;
+  for (QPushButton* b : {create, edit_, start_, close_}) buttons->addWidget(b);
+  buttons->addStretch(1);
+  buttons->addWidget(delete_);
+  topLayout->addLayout(buttons);
+  topLayout->addWidget(notice_);
+  topLayout->addWidget(iterations_, 1);
+
+  auto* bottom = new QWidget(this);
+  auto* bottomLayout = new QVBoxLayout(bottom);
+  bottomLayout->setContentsMargins(0, 0, 0, 0);
+  bottomLayout->addWidget(goal_);
+  bottomLayout->addWidget(tickets_, 1);
+  auto* ticketButtons = new QHBoxLayout;
+  ticketButtons->addWidget(candidates_, 1);
+  ticketButtons->addWidget(add_);
+  ticketButtons->addStretch(1);
+  ticketButtons->addWidget(takeOut);
+  bottomLayout->addLayout(ticketButtons);
+
+  auto* splitter = new QSplitter(Qt::Vertical, this);
+  splitter->addWidget(top);
+  splitter->addWidget(bottom);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(splitter);
+}
+
+std::optional<Uuid> IterationsView::selectedIteration() const { return currentId(iterations_); }
+
+void IterationsView::selectIteration(const Uuid& iteration) {
+  for (int i = 0; i < iterations_->topLevelItemCount(); ++i) {
+    QTreeWidgetItem* item = iterations_->topLevelItem(i);
+    if (idFrom(item->data(0, idRole)) == iteration) iterations_->setCurrentItem(item);
+  }
+}
+
+void IterationsView::reload() {
+  shown_ = snapshot();
+  const std::optional<Uuid> selected = selectedIteration();
+  {
+    const QSignalBlocker blocker(iterations_);
+    iterations_->clear();
+    setEnabled(shown_ != nullptr);
+    if (shown_) {
+      const ProjectSnapshot& s = *shown_;
+      for (const Iteration& iteration : s.iterations) {
+        auto* item = new QTreeWidgetItem(iterations_);
+        item->setData(0, idRole, idData(iteration.id));
+        item->setText(nameColumn, qText(iteration.name));
+        item->setToolTip(nameColumn, qText(iteration.goal));
+        item->setText(stateColumn, qText(std::string(displayLabel(iteration.state()))));
+        item->setText(datesColumn,
+                      QStringLiteral("%1 – %2").arg(
+                          qText(civilDateFromLocal(iteration.startDate, context_.calendar()).displayText()),
+                          qText(civilDateFromLocal(iteration.endDate, context_.calendar()).displayText())));
+        item->setText(ticketsColumn, QString::number(s.activeTickets(iteration).size()));
+        item->setText(doneColumn, QString::number(s.doneTickets(iteration).size()));
+        item->setText(openColumn, QString::number(s.openTickets(iteration).size()));
+        // The counters are facts of the start and of the close: blank until
+        // they happened.
+        const IterationState current = iteration.state();
+        item->setText(committedColumn,
+                      current == IterationState::planned ? QString() : QString::number(iteration.committedCount));
+        item->setText(finishedColumn,
+                      current == IterationState::closed ? QString::number(iteration.finishedCount) : QString());
+        item->setText(carriedOverColumn,
+                      current == IterationState::closed ? QString::number(iteration.carriedOverCount) : QString());
+        if (selected == iteration.id) iterations_->setCurrentItem(item);
+      }
+      if (!iterations_->currentItem() && iterations_->topLevelItemCount() > 0) {
+        // The active iteration first, as that is the one being worked on.
+        const Iteration* active = s.activeIteration();
+        iterations_->setCurrentItem(iterations_->topLevelItem(0));
+        if (active) selectIteration(active->id);
+      }
+    }
+  }
+  if (!shown_ || shown_->iterations.empty())
+    notice_->setText(shown_ ? QStringLiteral("No iterations yet. Plan one with New iteration.") : QString());
+  fillTickets();
+  updateButtons();
+}
+
+void IterationsView::fillTickets() {
+  tickets_->clear();
+  goal_->clear();
+  const std::optional<Uuid> chosen = idFrom(candidates_->currentData());
+  candidates_->clear();
+  const std::optional<Uuid> id = selectedIteration();
+  if (!shown_ || !id) return;
+  const ProjectSnapshot& s = *shown_;
+  const Iteration* iteration = s.iteration(*id);
+  if (!iteration) return;
+  // Open work in no other iteration is what planning picks from; the
+  // service has the final word (it refuses a closed iteration).
+  for (const Ticket& ticket : s.tickets) {
+    if (ticket.iterationId || !s.isOpen(ticket)) continue;
+    candidates_->addItem(QStringLiteral("%1 %2").arg(qText(s.referenceCode(ticket)), qText(ticket.title)),
+                         idData(ticket.id));
+  }
+  if (chosen) candidates_->setCurrentIndex(std::max(candidates_->findData(idData(*chosen)), 0));
+  goal_->setText(iteration->goal.empty() ? QStringLiteral("No goal written.")
+                                         : QStringLiteral("Goal: %1").arg(qText(iteration->goal)));
+  for (const Ticket& ticket : s.tickets) {
+    if (ticket.iterationId != iteration->id) continue;
+    auto* item = new QTreeWidgetItem(tickets_);
+    item->setData(0, idRole, idData(ticket.id));
+    item->setText(0, qText(s.referenceCode(ticket)));
+    item->setText(1, qText(ticket.title));
+    const BoardColumn* column = ticket.columnId ? s.column(*ticket.columnId) : nullptr;
+    item->setText(2, column ? qText(column->name) : QString());
+    item->setText(3, ticket.isArchived() ? QStringLiteral("Archived")
+                     : s.isOpen(ticket)  ? QStringLiteral("Open")
+                                         : QStringLiteral("Done"));
+  }
+}
+
+void IterationsView::updateButtons() {
+  const Iteration* iteration = nullptr;
+  if (shown_) {
+    if (const auto id = selectedIteration()) iteration = shown_->iteration(*id);
+  }
+  const std::optional<IterationState> current = iteration ? std::optional(iteration->state()) : std::nullopt;
+  // Only what the lifecycle allows is offered; the service still checks.
+  edit_->setEnabled(current && current != IterationState::closed);
+  start_->setEnabled(current == IterationState::planned);
+  close_->setEnabled(current == IterationState::active);
+  delete_->setEnabled(current.has_value());
+  add_->setEnabled(current && current != IterationState::closed && candidates_->count() > 0);
+  candidates_->setEnabled(add_->isEnabled());
+}
+
+void IterationsView::newIteration() {
+  if (!project()) return;
+  const Uuid projectId = *project();
+  auto* dialog = new IterationDialog(
+      context_.calendar(), std::nullopt, context_.now(),
+      [this, projectId](const IterationDialog::Values& v, QWidget* alertParent) {
+        return context_.perform(
+            QStringLiteral("New iteration"),
+            [&](BoardService& s) { s.createIteration(projectId, v.name, v.goal, v.startDate, v.endDate); },
+            alertParent);
+      },
+      this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+}
+
+void IterationsView::editIteration() {
+  const std::optional<Uuid> id = selectedIteration();
+  const Iteration* iteration = shown_ && id ? shown_->iteration(*id) : nullptr;
+  if (!iteration || iteration->state() == IterationState::closed) return;
+  auto* dialog = new IterationDialog(
+      context_.calendar(), *iteration, iteration->startDate,
+      [this, id = *id](const IterationDialog::Values& v, QWidget* alertParent) {
+        return context_.perform(
+            QStringLiteral("Edit iteration"),
+            [&](BoardService& s) { s.updateIteration(id, v.name, v.goal, v.startDate, v.endDate); }, alertParent);
+      },
+      this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+}
+
+void IterationsView::startIteration() {
+  const std::optional<Uuid> id = selectedIteration();
+  if (!id) return;
+  if (context_.perform(
+          QStringLiteral("Start iteration"), [&](BoardService& s) { s.startIteration(*id, context_.now()); }, this)) {
+    if (const Iteration* started = shown_ ? shown_->iteration(*id) : nullptr)
+      notice_->setText(
+          QStringLiteral("Started “%1” with %2 committed.").arg(qText(started->name)).arg(started->committedCount));
+  }
+}
+
+void IterationsView::closeIteration() {
+  const std::optional<Uuid> id = selectedIteration();
+  const Iteration* iteration = shown_ && id ? shown_->iteration(*id) : nullptr;
+  if (!iteration) return;
+  auto* dialog = new IterationCloseDialog(
+      *shown_, *iteration,
+      [this, id = *id, iterationName = qText(iteration->name)](const IterationCarryOver& carryOver,
+                                                               QWidget* alertParent) {
+        IterationCloseResult result;
+        if (!context_.perform(
+                QStringLiteral("Close iteration"),
+                [&](BoardService& s) { result = s.closeIteration(id, carryOver, context_.now()); }, alertParent))
+          return false;
+        notice_->setText(QStringLiteral("Closed “%1”: %2 finished, %3 carried over.")
+                             .arg(iterationName)
+                             .arg(result.finished)
+                             .arg(result.carriedOver));
+        return true;
+      },
+      this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+}
+
+void IterationsView::deleteIteration() {
+  const std::optional<Uuid> id = selectedIteration();
+  if (!id) return;
+  confirm(this, QStringLiteral("confirmDeleteIteration"), QStringLiteral("Delete this iteration?"),
+          QStringLiteral("Its tickets stay on the board, in no iteration."), QStringLiteral("Delete"),
+          [this, id = *id] {
+            context_.perform(
+                QStringLiteral("Delete iteration"), [&](BoardService& s) { s.deleteIteration(id); }, this);
+          });
+}
+
+void IterationsView::addTicket() {
+  const std::optional<Uuid> iteration = selectedIteration();
+  const std::optional<Uuid> ticket = idFrom(candidates_->currentData());
+  if (!iteration || !ticket) return;
+  context_.perform(
+      QStringLiteral("Add ticket to iteration"), [&](BoardService& s) { s.setIteration(*ticket, *iteration); }, this);
+}
+
+void IterationsView::takeTicketOut() {
+  const std::optional<Uuid> ticket = currentId(tickets_);
+  if (!ticket) return;
+  context_.perform(
+      QStringLiteral("Take ticket out of iteration"), [&](BoardService& s) { s.setIteration(*ticket, std::nullopt); },
+      this);
+}
+
+}  // namespace orvane::app

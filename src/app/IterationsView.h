@@ -1,0 +1,63 @@
+#pragma once
+
+#include <optional>
+
+#include "app/ProjectViewBase.h"
+
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QTreeWidget;
+
+namespace orvane::app {
+
+// The project's iterations, planned, active and closed, with their counters
+// (committed at the start, finished and carried over at the close), and the
+// tickets of the selected one. Start and close follow the iteration rules of
+// the service; a close asks where the open tickets go and then reports what
+// it did.
+class IterationsView : public ProjectViewBase {
+  Q_OBJECT
+
+ public:
+  IterationsView(AppContext& context, QWidget* parent);
+
+  QTreeWidget* iterations() const { return iterations_; }
+  QTreeWidget* tickets() const { return tickets_; }
+  QLabel* notice() const { return notice_; }
+  std::optional<Uuid> selectedIteration() const;
+  void selectIteration(const Uuid& iteration);
+
+  void newIteration();
+  void editIteration();
+  void startIteration();
+  void closeIteration();
+  void deleteIteration();
+  void takeTicketOut();
+  // Puts the ticket chosen beside "Add to the iteration" into the selected one.
+  void addTicket();
+
+ signals:
+  void openTicketRequested(const orvane::Uuid& ticket);
+
+ protected:
+  void reload() override;
+
+ private:
+  void fillTickets();
+  void updateButtons();
+
+  std::shared_ptr<const ProjectSnapshot> shown_;
+  QTreeWidget* iterations_ = nullptr;
+  QTreeWidget* tickets_ = nullptr;
+  QLabel* goal_ = nullptr;
+  QLabel* notice_ = nullptr;
+  QPushButton* edit_ = nullptr;
+  QPushButton* start_ = nullptr;
+  QPushButton* close_ = nullptr;
+  QPushButton* delete_ = nullptr;
+  QComboBox* candidates_ = nullptr;
+  QPushButton* add_ = nullptr;
+};
+
+}  // namespace orvane::app

@@ -1,0 +1,217 @@
+#include "app/MainWindow.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSettings>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "app/AppContext.h"
+#include "app/EmptyStateView.h"
+#include "app/ExternalChangeWatcher.h"
+#include "app/ProjectPane.h"
+#include "app/ProjectSetupDialog.h"
+#include "app/ProjectSidebar.h"
+#include "app/StoreCommands.h"
+#include "app/TicketExchangeCommands.h"
+#include "app/TicketOpener.h"
+#include "app/UndoHistory.h"
+
+namespace orvane::app {
+
+namespace {
+const QString viewModeKey = QStringLiteral("window/viewMode");
+}
+
+MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(parent), context_(context) {
+  setObjectName(QStringLiteral("mainWindow"));
+  setWindowTitle(QStringLiteral("Orvane"));
+  setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
+  commands_ = new StoreCommands(context_, this);
+  exchange_ = new TicketExchangeCommands(context_, this);
+  watcher_ = new ExternalChangeWatcher(context_, this);
+
+  sidebar_ = new ProjectSidebar(context_, this);
+  empty_ = new EmptyStateView(this);
+  noSelection_ = new QLabel(QStringLiteral("Select a project at the side."), this);
+  noSelection_->setAlignment(Qt::AlignCenter);
+  pane_ = new ProjectPane(context_, this);
+  right_ = new QStackedWidget(this);
+  right_->addWidget(empty_);
+  right_->addWidget(noSelection_);
+  right_->addWidget(pane_);
+
+  auto* splitter = new QSplitter(this);
+  splitter->addWidget(sidebar_);
+  splitter->addWidget(right_);
+  splitter->setStretchFactor(1, 1);
+  splitter->setSizes({200, 1400});
+  setCentralWidget(splitter);
+
+  buildMenus();
+
+  connect(sidebar_, &ProjectSidebar::projectSelected, this, &MainWindow::showSelection);
+  connect(commands_, &StoreCommands::projectCreated, this, [this](const Uuid& project) { selectProject(project); });
+  connect(empty_, &EmptyStateView::startBlankRequested, commands_, &StoreCommands::newProject);
+  connect(empty_, &EmptyStateView::loadDemoRequested, commands_, &StoreCommands::loadDemoProject);
+  connect(empty_, &EmptyStateView::restoreRequested, commands_, &StoreCommands::restoreFromBackup);
+  connect(pane_, &ProjectPane::openTicketRequested, this, &MainWindow::openTicket);
+  connect(&context_, &AppContext::storeChanged, this, &MainWindow::refresh);
+  connect(&context_.undoHistory(), &UndoHistory::changed, this, &MainWindow::updateUndoActions);
+
+  const std::optional<ProjectViewMode> stored = projectViewModeFromRaw(QSettings().value(viewModeKey).toString());
+  setViewMode(stored.value_or(ProjectViewMode::board));
+  refresh();
+  showSelection(sidebar_->selectedProject());
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::buildMenus() {
+  QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+  QAction* newProject = file->addAction(QStringLiteral("New project…"), commands_, &StoreCommands::newProject);
+  newProject->setShortcut(QKeySequence::New);
+  file->addAction(QStringLiteral("Load the demo project"), commands_, &StoreCommands::loadDemoProject);
+  file->addSeparator();
+  // Tickets go into the selected project; without one the actions are off
+  // and the toolbar button says why.
+  importTickets_ = file->addAction(QStringLiteral("Import tickets…"), this, [this] {
+    if (const std::optional<Uuid> project = selectedProject()) exchange_->importTickets(*project);
+  });
+  importTickets_->setIconText(QStringLiteral("Import…"));
+  exportTickets_ = file->addAction(QStringLiteral("Export tickets…"), this, [this] {
+    if (const std::optional<Uuid> project = selectedProject()) exchange_->exportTickets(*project);
+  });
+  file->addAction(QStringLiteral("Save the Excel import template…"), exchange_,
+                  &TicketExchangeCommands::saveImportTemplate);
+  file->addSeparator();
+  file->addAction(QStringLiteral("Back up everything…"), commands_, &StoreCommands::backUpEverything);
+  file->addAction(QStringLiteral("Restore from backup…"), commands_, &StoreCommands::restoreFromBackup);
+  file->addSeparator();
+  QAction* quit = file->addAction(QStringLiteral("Quit"), qApp, &QApplication::closeAllWindows);
+  quit->setShortcut(QKeySequence::Quit);
+
+  QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
+  undo_ = edit->addAction(QStringLiteral("Undo"), this, [this] { context_.undo(this); });
+  undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+  redo_ = edit->addAction(QStringLiteral("Redo"), this, [this] { context_.redo(this); });
+  redo_->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+
+  QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+  viewGroup_ = new QActionGroup(this);
+  viewGroup_->setExclusive(true);
+  for (ProjectViewMode mode : allProjectViewModes) {
+    QAction* action = view->addAction(title(mode));
+    action->setCheckable(true);
+    action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + position(mode))));
+    action->setData(position(mode));
+    viewGroup_->addAction(action);
+    viewActions_[static_cast<std::size_t>(position(mode))] = action;
+    connect(action, &QAction::triggered, this, [this, mode] { setViewMode(mode); });
+  }
+
+  QMenu* project = menuBar()->addMenu(QStringLiteral("&Project"));
+  recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
+  project->addSeparator();
+  deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
+
+  QMenu* people = menuBar()->addMenu(QStringLiteral("P&eople"));
+  QAction* peopleAction = people->addAction(QStringLiteral("People…"), this, &MainWindow::showPeople);
+  peopleAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+
+  QToolBar* toolbar = addToolBar(QStringLiteral("Main"));
+  toolbar->setObjectName(QStringLiteral("mainToolbar"));
+  toolbar->setMovable(false);
+  toolbar->addAction(newProject);
+  toolbar->addAction(importTickets_);
+  toolbar->addSeparator();
+  for (QAction* action : viewActions_) toolbar->addAction(action);
+  toolbar->addSeparator();
+  toolbar->addAction(peopleAction);
+  updateUndoActions();
+}
+
+std::optional<Uuid> MainWindow::selectedProject() const { return sidebar_->selectedProject(); }
+
+void MainWindow::selectProject(const std::optional<Uuid>& project) { sidebar_->selectProject(project); }
+
+ProjectViewMode MainWindow::viewMode() const { return pane_->mode(); }
+
+void MainWindow::setViewMode(ProjectViewMode mode) {
+  viewActions_[static_cast<std::size_t>(position(mode))]->setChecked(true);
+  pane_->setMode(mode);
+  QSettings().setValue(viewModeKey, title(mode));
+}
+
+QWidget* MainWindow::currentRightSide() const { return right_->currentWidget(); }
+
+void MainWindow::showSelection(const std::optional<Uuid>& project) {
+  pane_->setProject(project);
+  refresh();
+}
+
+void MainWindow::refresh() {
+  const bool anyProject = sidebar_->count() > 0;
+  const std::optional<Uuid> project = sidebar_->selectedProject();
+  if (!anyProject) {
+    right_->setCurrentWidget(empty_);
+  } else if (!project) {
+    right_->setCurrentWidget(noSelection_);
+  } else {
+    right_->setCurrentWidget(pane_);
+  }
+  deleteProject_->setEnabled(project.has_value());
+  recipients_->setEnabled(project.has_value());
+  importTickets_->setEnabled(project.has_value());
+  importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
+                                     : QStringLiteral("Select a project to import tickets into."));
+  exportTickets_->setEnabled(project.has_value());
+  for (QAction* action : viewActions_) action->setEnabled(project.has_value());
+  updateUndoActions();
+}
+
+void MainWindow::updateUndoActions() {
+  UndoHistory& history = context_.undoHistory();
+  undo_->setEnabled(history.canUndo());
+  redo_->setEnabled(history.canRedo());
+  undo_->setText(history.canUndo() ? QStringLiteral("Undo ") + history.undoLabel() : QStringLiteral("Undo"));
+  redo_->setText(history.canRedo() ? QStringLiteral("Redo ") + history.redoLabel() : QStringLiteral("Redo"));
+}
+
+void MainWindow::openTicket(const Uuid& ticket) { openTicketWindow(context_, ticket, this); }
+
+void MainWindow::showPeople() { openPeopleWindow(context_, this); }
+
+void MainWindow::editReportRecipients() {
+  const std::optional<Uuid> project = selectedProject();
+  if (!project) return;
+  auto* dialog = new ProjectSetupDialog(context_, *project, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+}
+
+void MainWindow::deleteSelectedProject() {
+  if (const std::optional<Uuid> project = selectedProject()) commands_->confirmDeleteProject(*project);
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (filledScreen_) return;
+  filledScreen_ = true;
+  // Once, at the first appearance: the visible area of the window's screen
+  // (without panels and docks), never full-screen mode.
+  QScreen* target = screen() != nullptr ? screen() : QGuiApplication::primaryScreen();
+  if (target == nullptr) return;
+  const QRect area = target->availableGeometry();
+  const QSize frame = frameGeometry().size() - geometry().size();
+  move(area.topLeft());
+  resize(area.size() - frame);
+}
+
+}  // namespace orvane::app

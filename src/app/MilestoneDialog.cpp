@@ -1,0 +1,58 @@
+#include "app/MilestoneDialog.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include "app/DayField.h"
+#include "app/ItemIds.h"
+
+namespace orvane::app {
+
+MilestoneDialog::MilestoneDialog(const icu::Calendar& calendar, const std::vector<Epic>& epics,
+                                 const std::optional<Milestone>& milestone, Timestamp defaultDate, Save save,
+                                 QWidget* parent)
+    : QDialog(parent), save_(std::move(save)) {
+  setObjectName(QStringLiteral("milestoneDialog"));
+  setWindowTitle(milestone ? QStringLiteral("Edit milestone") : QStringLiteral("New milestone"));
+  name_ = new QLineEdit(this);
+  name_->setObjectName(QStringLiteral("name"));
+  date_ = new DayField(calendar, false, this);
+  date_->setObjectName(QStringLiteral("date"));
+  date_->setInstant(milestone ? milestone->date : defaultDate);
+  epic_ = new QComboBox(this);
+  epic_->setObjectName(QStringLiteral("epic"));
+  epic_->addItem(QStringLiteral("No epic"));
+  for (const Epic& epic : epics) epic_->addItem(qText(epic.name), idData(epic.id));
+  details_ = new QPlainTextEdit(this);
+  details_->setObjectName(QStringLiteral("details"));
+  details_->setTabChangesFocus(true);
+  if (milestone) {
+    name_->setText(qText(milestone->name));
+    if (milestone->epicId) epic_->setCurrentIndex(std::max(epic_->findData(idData(*milestone->epicId)), 0));
+    details_->setPlainText(qText(milestone->details));
+  }
+
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
+  connect(buttons, &QDialogButtonBox::accepted, this, &MilestoneDialog::submit);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  auto* form = new QFormLayout(this);
+  form->addRow(QStringLiteral("Name"), name_);
+  form->addRow(QStringLiteral("Date"), date_);
+  form->addRow(QStringLiteral("Epic"), epic_);
+  form->addRow(QStringLiteral("Details"), details_);
+  form->addRow(buttons);
+}
+
+MilestoneDialog::Values MilestoneDialog::values() const {
+  return {name_->text().toStdString(), date_->instant().value_or(Timestamp{}), idFrom(epic_->currentData()),
+          details_->toPlainText().toStdString()};
+}
+
+void MilestoneDialog::submit() {
+  if (save_(values(), this)) accept();
+}
+
+}  // namespace orvane::app

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <unicode/utypes.h>
+
+#include <QDialog>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/model/Epic.h"
+
+U_NAMESPACE_BEGIN
+class Calendar;
+U_NAMESPACE_END
+
+class QComboBox;
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace orvane::app {
+
+class DayField;
+
+// The form of a new or an existing milestone, tied to one of `epics` or to
+// none. Closes when `save` succeeds; stays open over its refusal otherwise.
+class MilestoneDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  struct Values {
+    std::string name;
+    Timestamp date;
+    std::optional<Uuid> epic;
+    std::string details;
+  };
+  using Save = std::function<bool(const Values&, QWidget* alertParent)>;
+
+  MilestoneDialog(const icu::Calendar& calendar, const std::vector<Epic>& epics,
+                  const std::optional<Milestone>& milestone, Timestamp defaultDate, Save save, QWidget* parent);
+
+  Values values() const;
+  void submit();
+
+ private:
+  Save save_;
+  QLineEdit* name_ = nullptr;
+  DayField* date_ = nullptr;
+  QComboBox* epic_ = nullptr;
+  QPlainTextEdit* details_ = nullptr;
+};
+
+}  // namespace orvane::app

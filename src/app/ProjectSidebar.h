@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QListWidget>
+#include <optional>
+
+#include "core/model/Uuid.h"
+
+namespace orvane::app {
+
+class AppContext;
+
+// The list of every project at the side of the window, by name. Keeps the
+// selected project across reloads; when the selected project disappears
+// (deleted here or from outside) the selection is cleared and announced.
+class ProjectSidebar : public QListWidget {
+  Q_OBJECT
+
+ public:
+  ProjectSidebar(AppContext& context, QWidget* parent);
+
+  std::optional<Uuid> selectedProject() const;
+  void selectProject(const std::optional<Uuid>& project);
+  void reload();
+
+ signals:
+  void projectSelected(const std::optional<orvane::Uuid>& project);
+
+ private:
+  void announceSelection();
+
+  AppContext& context_;
+  std::optional<Uuid> announced_;
+  bool reloading_ = false;
+};
+
+}  // namespace orvane::app

@@ -1,0 +1,155 @@
+#include "app/ScreenshotTour.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <fstream>
+#include <iostream>
+
+#include "app/AddColumnDialog.h"
+#include "app/AppContext.h"
+#include "app/EmptyStateView.h"
+#include "app/FilterBar.h"
+#include "app/ImportDialog.h"
+#include "app/MainWindow.h"
+#include "app/NewProjectDialog.h"
+#include "app/ProjectPane.h"
+#include "app/ProjectSetupDialog.h"
+#include "app/ProjectSidebar.h"
+#include "app/StoreCommands.h"
+#include "app/TicketExchangeCommands.h"
+#include "app/TicketOpener.h"
+
+namespace orvane::app {
+
+namespace {
+
+// Lets layouts, lazy reloads and painting finish before a grab.
+void settle() {
+  QEventLoop loop;
+  QTimer::singleShot(150, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+}  // namespace
+
+ScreenshotTour::ScreenshotTour(AppContext& context, MainWindow& window, std::filesystem::path folder, QObject* parent)
+    : QObject(parent), context_(context), window_(window), folder_(std::move(folder)) {}
+
+bool ScreenshotTour::save(QWidget* widget, const QString& name) {
+  settle();
+  const std::filesystem::path file = folder_ / (name.toStdString() + ".png");
+  const bool saved = widget != nullptr && widget->grab().save(QString::fromStdString(file.string()));
+  if (!saved) {
+    std::cerr << "Could not save " << file.string() << '\n';
+    ++failures_;
+  }
+  return saved;
+}
+
+int ScreenshotTour::run() {
+  std::error_code ignored;
+  std::filesystem::create_directories(folder_, ignored);
+
+  EmptyStateView empty(nullptr);
+  empty.resize(window_.size());
+  empty.show();
+  save(&empty, QStringLiteral("00-empty-state"));
+  empty.hide();
+
+  if (window_.sidebar()->count() == 0) window_.commands()->loadDemoProject();
+  window_.sidebar()->setCurrentRow(0);
+  const std::optional<Uuid> project = window_.selectedProject();
+
+  int index = 1;
+  for (ProjectViewMode mode : allProjectViewModes) {
+    window_.setViewMode(mode);
+    save(&window_, QStringLiteral("%1-%2").arg(index++, 2, 10, QChar('0')).arg(title(mode).toLower()));
+  }
+
+  window_.setViewMode(ProjectViewMode::board);
+  window_.pane()->filterBar()->blockedBox()->setChecked(true);
+  save(&window_, QStringLiteral("10-board-blocked-only"));
+  window_.pane()->filterBar()->clear();
+
+  auto* newProject = new NewProjectDialog(
+      [this](const QString& name, const QString& key) { return window_.commands()->createProject(name, key); },
+      &window_);
+  newProject->keyField()->setText(QStringLiteral("FRC"));
+  newProject->create();  // no name: the sheet shows the refusal
+  newProject->show();
+  save(newProject, QStringLiteral("11-new-project-refused"));
+  delete newProject;
+
+  if (project) {
+    auto* setup = new ProjectSetupDialog(context_, *project, &window_);
+    setup->field("clientEmail")->setText(QStringLiteral("anna@client.example"));
+    setup->field("internalEmail")->setText(QStringLiteral(" Anna@Client.example "));
+    setup->save();
+    setup->show();
+    save(setup, QStringLiteral("12-report-recipients-refused"));
+    delete setup;
+  }
+
+  auto* addColumn = new AddColumnDialog(&window_);
+  addColumn->show();
+  save(addColumn, QStringLiteral("13-add-column"));
+  delete addColumn;
+
+  if (project) {
+    window_.deleteSelectedProject();
+    settle();
+    auto* confirm = window_.findChild<QMessageBox*>(QStringLiteral("confirmDeleteProject"));
+    save(confirm, QStringLiteral("14-delete-project-confirmation"));
+    if (confirm != nullptr) confirm->reject();
+  }
+
+  if (project) {
+    if (auto snapshot = context_.board().snapshot(*project); snapshot && !snapshot->tickets.empty()) {
+      if (QWidget* ticket = openTicketWindow(context_, snapshot->tickets.front().id, &window_)) {
+        save(ticket, QStringLiteral("15-ticket-window"));
+        ticket->close();
+      }
+    }
+  }
+  if (QWidget* people = openPeopleWindow(context_, &window_)) {
+    save(people, QStringLiteral("16-people"));
+    people->close();
+  }
+  // Backing up and restoring into the same store adds a restored copy.
+  const std::filesystem::path backup = folder_ / "backup.json";
+  if (window_.commands()->writeBackup(backup)) {
+    if (const std::optional<QString> message = window_.commands()->restoreFile(backup)) {
+      QMessageBox box(QMessageBox::Information, QStringLiteral("Restore from backup"), *message, QMessageBox::Ok,
+                      &window_);
+      box.show();
+      save(&box, QStringLiteral("17-restore-result"));
+    }
+    std::filesystem::remove(backup, ignored);
+  }
+  if (project) {
+    // A small file with a warning, a skipped row and a new epic and person,
+    // previewed and then imported.
+    const std::filesystem::path sample = folder_ / "import-sample.csv";
+    std::ofstream(sample) << "title,column,epic,assignee,priority,created_at,due_date\n"
+                             "Export invoices as PDF,Backlog,Billing,Mara Lind,High,2026-01-05,2026-04-30\n"
+                             "Retry failed payments,In Progress,Billing,,Someday,2026-01-12,\n"
+                             "Sign-in with passkeys,Nowhere,,Mara Lind,Low,,\n"
+                             ",Backlog,,,,,\n"
+                             "Tidy the settings page,,,,,,\n";
+    if (ImportDialog* dialog = window_.exchange()->openImportFile(*project, sample)) {
+      save(dialog, QStringLiteral("18-import-preview"));
+      dialog->importButton()->click();
+      settle();
+      save(window_.findChild<QMessageBox*>(QStringLiteral("importReport")), QStringLiteral("19-import-report"));
+    }
+    std::filesystem::remove(sample, ignored);
+  }
+  return failures_ == 0 ? 0 : 1;
+}
+
+}  // namespace orvane::app

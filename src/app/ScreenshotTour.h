@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <filesystem>
+
+class QWidget;
+
+namespace orvane::app {
+
+class AppContext;
+class MainWindow;
+
+// Walks the window through every screen and saves a PNG of each into one
+// folder, so all of them can be looked at in one go: the empty state, the
+// nine views of the first project, the filtered board and the sheets.
+class ScreenshotTour : public QObject {
+  Q_OBJECT
+
+ public:
+  ScreenshotTour(AppContext& context, MainWindow& window, std::filesystem::path folder, QObject* parent);
+
+  // Returns 0 when every picture was saved, 1 otherwise.
+  int run();
+
+ private:
+  bool save(QWidget* widget, const QString& name);
+
+  AppContext& context_;
+  MainWindow& window_;
+  std::filesystem::path folder_;
+  int failures_ = 0;
+};
+
+}  // namespace orvane::app

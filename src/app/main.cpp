@@ -1,0 +1,3 @@
+#include "app/AppLauncher.h"
+
+int main(int argc, char** argv) { return orvane::app::runDesktopApp(argc, argv); }

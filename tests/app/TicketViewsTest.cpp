@@ -1,0 +1,123 @@
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+
+#include "app/AppFixture.h"
+#include "app/ArchivedView.h"
+#include "app/CalendarDayCell.h"
+#include "app/CalendarView.h"
+#include "app/FilterBar.h"
+#include "app/MainWindow.h"
+#include "app/ProjectPane.h"
+#include "app/TicketTableModel.h"
+
+using namespace orvane;
+using namespace orvane::app;
+using orvane::testing::AppFixture;
+using orvane::testing::at;
+
+class TicketViewsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void calendarPlacesTicketsAndEpicsOnTheirDays();
+  void archivedViewRestoresDeletesAndExplainsEmptiness();
+};
+
+namespace {
+
+QStringList entriesOn(const CalendarView& view, const CivilDate& day) {
+  for (const CalendarDayCell* cell : view.cells()) {
+    if (cell->day() == day) return cell->entries();
+  }
+  return {QStringLiteral("(no such day)")};
+}
+
+}  // namespace
+
+void TicketViewsTest::calendarPlacesTicketsAndEpicsOnTheirDays() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Web", std::nullopt, f.clock).id;
+  f.board().createTicket(project, NewTicket{.title = "Launch", .dueDate = at(2026, 3, 20, 15)}, f.clock);
+  f.board().createTicket(project, NewTicket{.title = "Later", .dueDate = at(2026, 4, 2)}, f.clock);
+  const Uuid epic = f.board().createEpic(project, "Payments", std::nullopt, std::nullopt).id;
+  f.board().updateEpic(epic, "Payments", "", at(2026, 3, 2), at(2026, 3, 31), std::nullopt);
+
+  CalendarView view(*f.context, nullptr);
+  view.showProject(project);
+  view.showMonth(2026, 3);
+  QCOMPARE(view.monthTitle(), QString("March 2026"));
+  QCOMPARE(view.cells().size() % 7, std::size_t(0));
+  QCOMPARE(entriesOn(view, CivilDate(2026, 3, 20)), QStringList{"WEB-1 Launch"});
+  QCOMPARE(entriesOn(view, CivilDate(2026, 3, 2)), QStringList{"▶ Payments starts"});
+  QCOMPARE(entriesOn(view, CivilDate(2026, 3, 31)), QStringList{"◆ Payments due"});
+
+  view.nextMonth();
+  QCOMPARE(view.monthTitle(), QString("April 2026"));
+  QCOMPARE(entriesOn(view, CivilDate(2026, 4, 2)), QStringList{"WEB-2 Later"});
+  view.showMonth(2026, 13);  // month arithmetic rolls into the next year
+  QCOMPARE(view.monthTitle(), QString("January 2027"));
+  view.previousMonth();
+  QCOMPARE(view.monthTitle(), QString("December 2026"));
+}
+
+void TicketViewsTest::archivedViewRestoresDeletesAndExplainsEmptiness() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Web", std::nullopt, f.clock).id;
+  const Uuid kept = f.board().createTicket(project, NewTicket{.title = "Kept"}, f.clock).id;
+  const Uuid first = f.board().createTicket(project, NewTicket{.title = "Old idea"}, f.clock).id;
+  const Uuid second = f.board().createTicket(project, NewTicket{.title = "Older idea"}, f.clock).id;
+  MainWindow window(*f.context);
+  window.show();
+  window.selectProject(project);
+  window.setViewMode(ProjectViewMode::archived);
+  ArchivedView* view = window.pane()->archivedView();
+  QCOMPARE(view->emptyText(), QString("No archived tickets"));
+
+  f.board().archive(first, f.clock);
+  f.board().archive(second, f.clock);
+  f.context->notifyStoreChanged();
+  QCOMPARE(view->model()->rowCount(), 2);
+  QVERIFY(view->emptyText().isEmpty());
+
+  // A filter that lets none through says so.
+  window.pane()->filterBar()->searchField()->setText("nothing like this");
+  QCOMPARE(view->emptyText(), QString("No archived tickets match"));
+  window.pane()->filterBar()->searchField()->setText("older");
+  QCOMPARE(view->model()->rowCount(), 1);
+  window.pane()->filterBar()->clear();
+
+  // Restore brings the ticket back to the bottom of its column.
+  view->table()->selectRow(0);
+  const Uuid restored = view->model()->card(0).id;
+  view->restoreSelected();
+  QCOMPARE(view->model()->rowCount(), 1);
+  const ProjectSnapshot afterRestore = f.snapshot(project);
+  QVERIFY(!afterRestore.ticket(restored)->isArchived());
+  QCOMPARE(afterRestore.ticket(restored)->position, std::int64_t(1));
+
+  // Delete asks first; cancel keeps the ticket, Delete removes it.
+  view->table()->selectRow(0);
+  const Uuid doomed = view->model()->card(0).id;
+  view->deleteSelected();
+  auto* confirm = view->findChild<QMessageBox*>("confirmDeleteTicket");
+  QVERIFY(confirm != nullptr);
+  QCOMPARE(confirm->text(), QString("Delete this ticket?"));
+  confirm->button(QMessageBox::Cancel)->click();
+  QVERIFY(f.snapshot(project).ticket(doomed) != nullptr);
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  view->deleteSelected();
+  confirm = view->findChild<QMessageBox*>("confirmDeleteTicket");
+  QVERIFY(confirm != nullptr);
+  for (QAbstractButton* button : confirm->buttons()) {
+    if (button->text() == "Delete") button->click();
+  }
+  QVERIFY(f.snapshot(project).ticket(doomed) == nullptr);
+  QVERIFY(f.snapshot(project).ticket(kept) != nullptr);
+  QCOMPARE(view->emptyText(), QString("No archived tickets"));
+}
+
+QTEST_MAIN(TicketViewsTest)
+#include "TicketViewsTest.moc"
