@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "cli/CliError.h"
+#include "cli/FileAccess.h"
 #include "cli/OptionParser.h"
 #include "cli/StoreAccess.h"
 #include "cli/TextLayout.h"
@@ -46,57 +47,6 @@ constexpr std::string_view restoreUsage =
 
 constexpr OptionSpec backupSpecs[] = {{"--help", false}};
 constexpr OptionSpec restoreSpecs[] = {{"--json", false}, {"--help", false}};
-
-std::string readAll(const std::string& path, std::istream& standardInput) {
-  if (path == "-") return std::string(std::istreambuf_iterator<char>(standardInput), {});
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw CliError("The file could not be read: " + path);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  if (in.bad()) throw CliError("The file could not be read: " + path);
-  return bytes.str();
-}
-
-// Writes to a temporary file beside `path`, flushes it to disk, then renames
-// it over `path`: the folder holds the old file or the whole new one, never
-// a part of it.
-void writeAtomically(const std::string& path, std::string_view bytes) {
-  const std::filesystem::path target(path);
-  const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
-  std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
-  const auto fail = [&](int error) {
-    throw CliError("The file could not be written: " + path + " (" + std::strerror(error) + ").", exitFailure);
-  };
-  const int fd = ::mkstemp(temporary.data());
-  if (fd < 0) fail(errno);
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + written, bytes.size() - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) {
-      const int error = n < 0 ? errno : EIO;
-      ::close(fd);
-      ::unlink(temporary.c_str());
-      fail(error);
-    }
-    written += static_cast<std::size_t>(n);
-  }
-  // mkstemp makes the file private; the backup gets the usual mode.
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  ::fchmod(fd, 0666 & ~mask);
-  if (::fsync(fd) != 0) {
-    const int error = errno;
-    ::close(fd);
-    ::unlink(temporary.c_str());
-    fail(error);
-  }
-  if (::close(fd) != 0 || std::rename(temporary.c_str(), path.c_str()) != 0) {
-    const int error = errno;
-    ::unlink(temporary.c_str());
-    fail(error);
-  }
-}
 
 std::string persons(std::int64_t n) { return n == 1 ? "1 person" : std::to_string(n) + " people"; }
 std::string dependencies(std::int64_t n) {
@@ -135,7 +85,7 @@ int runRestore(std::span<const std::string> args, const CommandContext& context)
   }
   expectPositionals(parsed, {"FILE"}, "restore");
   const std::string& path = parsed.positionals()[0];
-  const std::string bytes = readAll(path, context.in);
+  const std::string bytes = readFile(path, context.in);
   Backup::Report report;
   try {
     report = context.store.service().restoreBackup(bytes);

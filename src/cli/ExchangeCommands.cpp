@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "cli/CliError.h"
+#include "cli/FileAccess.h"
 #include "cli/OptionParser.h"
 #include "cli/ProjectLookup.h"
 #include "cli/StoreAccess.h"
@@ -72,49 +73,6 @@ FileKind kindOf(const std::string& path) {
   if (extension == ".csv") return FileKind::csv;
   if (extension == ".xlsx") return FileKind::xlsx;
   throw CliError("The file name must end in .csv or .xlsx: " + path);
-}
-
-std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw CliError("The file could not be read: " + path);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  if (in.bad()) throw CliError("The file could not be read: " + path);
-  return bytes.str();
-}
-
-// Writes `bytes` to a temporary file beside `path`, then renames it over
-// `path`: a reader sees the old file or the whole new one, never a part.
-void writeAtomically(const std::string& path, std::string_view bytes) {
-  const std::filesystem::path target(path);
-  const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
-  std::string pattern = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
-  const int fd = mkstemp(pattern.data());
-  auto fail = [&](int error) {
-    throw CliError("The file could not be written: " + path + " (" + std::strerror(error) + ").", exitFailure);
-  };
-  if (fd < 0) fail(errno);
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + written, bytes.size() - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) {
-      const int error = errno;
-      ::close(fd);
-      ::unlink(pattern.c_str());
-      fail(error);
-    }
-    written += static_cast<std::size_t>(n);
-  }
-  // The temporary file is private (0600); the result gets the usual mode.
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  ::fchmod(fd, 0666 & ~mask);
-  if (::fsync(fd) != 0 || ::close(fd) != 0 || std::rename(pattern.c_str(), path.c_str()) != 0) {
-    const int error = errno;
-    ::unlink(pattern.c_str());
-    fail(error);
-  }
 }
 
 // "4,000": the number as counted() writes it, without a noun.
@@ -186,7 +144,7 @@ int runImport(std::span<const std::string> args, const CommandContext& context) 
   // be read at all is refused with its sentence and changes nothing.
   ParsedImport rows;
   try {
-    const std::string bytes = readFile(path);
+    const std::string bytes = readFile(path, context.in);
     rows = TicketCSV::parse(kind == FileKind::csv ? bytes : TicketXlsx::csv(bytes));
   } catch (const TicketCSVError& error) {
     throw CliError(error.what());
