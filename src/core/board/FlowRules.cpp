@@ -20,4 +20,13 @@ FlowState apply(FlowState state, ColumnType movingTo, Timestamp now) {
   return state;
 }
 
+TicketEvent moveEvent(const Ticket& ticket, const BoardColumn* from, const BoardColumn& to, Timestamp at) {
+  TicketEvent event{Uuid::random(), at, std::nullopt, std::nullopt, to.id, to.name, ticket.id};
+  if (from) {
+    event.fromColumnId = from->id;
+    event.fromColumnName = from->name;
+  }
+  return event;
+}
+
 }  // namespace orvane::FlowRules

@@ -48,15 +48,6 @@ std::vector<std::string> cleanTags(const std::vector<std::string>& tags) {
   return clean;
 }
 
-TicketEvent eventFor(const Ticket& ticket, const BoardColumn* from, const BoardColumn& to, Timestamp now) {
-  TicketEvent event{Uuid::random(), now, std::nullopt, std::nullopt, to.id, to.name, ticket.id};
-  if (from) {
-    event.fromColumnId = from->id;
-    event.fromColumnName = from->name;
-  }
-  return event;
-}
-
 }  // namespace
 
 Ticket BoardService::createTicket(const Uuid& project, const NewTicket& fields, Timestamp now) {
@@ -95,7 +86,7 @@ Ticket BoardService::createTicket(const Uuid& project, const NewTicket& fields, 
     ticket.setFlow(FlowRules::apply(ticket.flow(), column.effectiveType(), now));
     rows::update(db_, owner);
     rows::insert(db_, ticket);
-    rows::insert(db_, eventFor(ticket, nullptr, column, now));
+    rows::insert(db_, FlowRules::moveEvent(ticket, nullptr, column, now));
     return ticket;
   });
 }
@@ -126,7 +117,7 @@ MoveResult BoardService::moveTicket(const Uuid& ticket, const Uuid& column, std:
       moving.columnId = target.id;
       moving.setFlow(FlowRules::apply(moving.flow(), target.effectiveType(), now));
       rows::update(db_, moving);
-      rows::insert(db_, eventFor(moving, source ? &*source : nullptr, target, now));
+      rows::insert(db_, FlowRules::moveEvent(moving, source ? &*source : nullptr, target, now));
     }
     // A ticket that changed column already has its position; renumber skips it.
     renumber(db_, ordered);

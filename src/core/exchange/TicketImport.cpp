@@ -77,15 +77,6 @@ bool reconcile(const ImportedRow& row, ColumnType type, Timestamp now, Dates& da
   return true;
 }
 
-TicketEvent eventFor(const Ticket& ticket, const BoardColumn* from, const BoardColumn& to, Timestamp at) {
-  TicketEvent event{Uuid::random(), at, std::nullopt, std::nullopt, to.id, to.name, ticket.id};
-  if (from) {
-    event.fromColumnId = from->id;
-    event.fromColumnName = from->name;
-  }
-  return event;
-}
-
 struct Step {
   const BoardColumn* column;
   Timestamp at;
@@ -209,7 +200,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
     const BoardColumn* from = nullptr;
     for (const Step& step : history(*column, dates, firstBacklog, firstInProgress)) {
       ticket.setFlow(FlowRules::apply(ticket.flow(), step.column->effectiveType(), step.at));
-      events.push_back(eventFor(ticket, from, *step.column, step.at));
+      events.push_back(FlowRules::moveEvent(ticket, from, *step.column, step.at));
       from = step.column;
     }
     if (dates.started) ticket.startedAt = dates.started;
