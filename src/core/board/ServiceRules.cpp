@@ -11,6 +11,15 @@ std::optional<std::string> trimmedColor(const std::optional<std::string>& colorH
   return color;
 }
 
+std::int64_t activeCount(Database& db, const Uuid& column) {
+  Statement& count = db.cached("SELECT count(*) FROM tickets WHERE column_id = ?1 AND archived_at IS NULL");
+  count.bindAll(column);
+  count.step();
+  const std::int64_t found = count.int64(0);
+  count.reset();
+  return found;
+}
+
 bool reaches(const std::unordered_map<Uuid, std::vector<Uuid>>& edges, const Uuid& from, const Uuid& goal) {
   std::unordered_set<Uuid> visited{from};
   std::vector<Uuid> pending{from};

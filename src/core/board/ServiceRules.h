@@ -44,6 +44,10 @@ std::string requireUniqueName(std::string_view name, const std::vector<Row>& oth
 // A trimmed colour; nothing left means no colour.
 std::optional<std::string> trimmedColor(const std::optional<std::string>& colorHex);
 
+// The column's tickets that are not archived: the position a ticket added
+// at the bottom takes.
+std::int64_t activeCount(Database& db, const Uuid& column);
+
 // Whether `goal` is reached from `from` along the edges. Each node is
 // visited once, so the walk ends even on a graph that holds a cycle.
 bool reaches(const std::unordered_map<Uuid, std::vector<Uuid>>& edges, const Uuid& from, const Uuid& goal);

@@ -3,20 +3,12 @@
 
 #include "core/board/BoardService.h"
 #include "core/board/FlowRules.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
 namespace orvane {
 namespace {
-
-std::int64_t activeCount(Database& db, const Uuid& column) {
-  Statement& count = db.cached("SELECT count(*) FROM tickets WHERE column_id = ?1 AND archived_at IS NULL");
-  count.bindAll(column);
-  count.step();
-  const std::int64_t found = count.int64(0);
-  count.reset();
-  return found;
-}
 
 // The ids of the column's active tickets in position order: all a renumbering
 // needs, read without the rest of each row since a move runs on every drag.
@@ -76,7 +68,7 @@ Ticket BoardService::createTicket(const Uuid& project, const NewTicket& fields, 
     ticket.number = owner.nextTicketNumber++;
     ticket.details = text::trimmed(fields.details);
     ticket.priorityRaw = static_cast<std::int64_t>(fields.priority);
-    ticket.position = activeCount(db_, column.id);
+    ticket.position = rules::activeCount(db_, column.id);
     ticket.createdAt = now;
     ticket.dueDate = fields.dueDate;
     ticket.tags = cleanTags(fields.tags);
@@ -140,7 +132,7 @@ void BoardService::unarchive(const Uuid& ticket) {
   inTransaction([&] {
     Ticket row = requireTicket(ticket);
     if (!row.isArchived()) return;
-    row.position = row.columnId ? activeCount(db_, *row.columnId) : 0;
+    row.position = row.columnId ? rules::activeCount(db_, *row.columnId) : 0;
     row.archivedAt.reset();
     rows::update(db_, row);
   });

@@ -6,6 +6,7 @@
 
 #include "core/board/BoardError.h"
 #include "core/board/FlowRules.h"
+#include "core/board/ServiceRules.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
@@ -16,15 +17,6 @@ std::int64_t ImportReport::errorCount() const {
 }
 
 namespace {
-
-std::int64_t activeCount(Database& db, const Uuid& column) {
-  Statement& count = db.cached("SELECT count(*) FROM tickets WHERE column_id = ?1 AND archived_at IS NULL");
-  count.bindAll(column);
-  count.step();
-  const std::int64_t found = count.int64(0);
-  count.reset();
-  return found;
-}
 
 // The row's dates after they were made to agree with its column's type.
 struct Dates {
@@ -129,7 +121,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
   const BoardColumn* firstInProgress = nullptr;
   for (const auto& column : columns) {
     columnsByName.emplace(text::folded(column.name), &column);
-    activeInColumn[column.id] = activeCount(db, column.id);
+    activeInColumn[column.id] = rules::activeCount(db, column.id);
     if (!firstBacklog && column.effectiveType() == ColumnType::backlog) firstBacklog = &column;
     if (!firstInProgress && column.effectiveType() == ColumnType::inProgress) firstInProgress = &column;
   }
