@@ -20,6 +20,7 @@
 #include "core/board/BoardService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/BenchStore.h"
 
 namespace orvane {
 namespace {
@@ -33,12 +34,7 @@ Uuid writeProject(Database& db, const std::string& name, const std::vector<Perso
   Project project{Uuid::random(), name, name.substr(0, 3), Timestamp{0}};
   project.nextTicketNumber = ticketsPerProject + 1;
   rows::insert(db, project);
-  std::vector<BoardColumn> columns;
-  for (const auto& column : ColumnTemplate::standard()) {
-    columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
-                       std::string(rawValue(column.type)), column.wipLimit, project.id});
-    rows::insert(db, columns.back());
-  }
+  const std::vector<BoardColumn> columns = bench::writeStandardColumns(db, project.id);
   std::vector<Epic> epics;
   for (int e = 0; e < 12; ++e) {
     epics.push_back(Epic{Uuid::random(), "Epic " + std::to_string(e), "#3366cc", Timestamp{e * 86400.0 * 7},

@@ -8,13 +8,10 @@
 #include "core/board/BoardService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/BenchStore.h"
 
 namespace orvane {
 namespace {
-
-std::filesystem::path benchPath(const std::string& name) {
-  return std::filesystem::temp_directory_path() / ("orvane-bench-" + std::to_string(getpid()) + "-" + name);
-}
 
 void removeStore(const std::filesystem::path& path) {
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path.string() + suffix);
@@ -25,8 +22,7 @@ void removeStore(const std::filesystem::path& path) {
 // for most, a move, a comment and a checklist item; twenty people sharing
 // the tickets, and a blocked-by link on every tenth ticket.
 std::filesystem::path buildStore() {
-  const auto path = benchPath("backup.sqlite");
-  removeStore(path);
+  const auto path = bench::scratchStorePath("backup.sqlite");
   Store store = Store::open(path);
   Database& db = store.db();
   Transaction transaction(db);
@@ -40,12 +36,7 @@ std::filesystem::path buildStore() {
     Project project{Uuid::random(), "Project " + std::to_string(p), "P" + std::to_string(p), Timestamp{0}};
     project.nextTicketNumber = 5001;
     rows::insert(db, project);
-    std::vector<BoardColumn> columns;
-    for (const auto& column : ColumnTemplate::standard()) {
-      columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
-                         std::string(rawValue(column.type)), column.wipLimit, project.id});
-      rows::insert(db, columns.back());
-    }
+    const std::vector<BoardColumn> columns = bench::writeStandardColumns(db, project.id);
     std::vector<std::int64_t> nextPosition(columns.size(), 0);
     Uuid previous;
     for (int n = 1; n <= 5000; ++n) {
@@ -106,7 +97,7 @@ void BM_RestoreOf50000Tickets(benchmark::State& state) {
     Store store = Store::open(bigStore());
     document = Backup::makeBackup(store, Timestamp{1e9});
   }
-  const auto path = benchPath("restore.sqlite");
+  const auto path = bench::scratchStorePath("restore.sqlite");
   for (auto _ : state) {
     state.PauseTiming();
     removeStore(path);

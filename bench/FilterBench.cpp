@@ -12,6 +12,7 @@
 #include "core/filter/TicketFilter.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/BenchStore.h"
 
 namespace orvane {
 namespace {
@@ -23,8 +24,7 @@ constexpr double day = 86400;
 // (to a name with an accent), one in ten with an accent in its details,
 // and 200 logged "When" forecasts, one a day.
 ProjectSnapshot bigProject() {
-  const auto path = std::filesystem::temp_directory_path() / ("orvane-filter-bench-" + std::to_string(getpid()));
-  std::filesystem::remove(path);
+  const auto path = bench::scratchStorePath("filter.sqlite");
   Store store = Store::open(path);
   Database& db = store.db();
   {
@@ -32,12 +32,7 @@ ProjectSnapshot bigProject() {
     Project project{Uuid::random(), "Big", "BIG", Timestamp{0}};
     project.nextTicketNumber = 5001;
     rows::insert(db, project);
-    std::vector<BoardColumn> columns;
-    for (const auto& column : ColumnTemplate::standard()) {
-      columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
-                         std::string(rawValue(column.type)), column.wipLimit, project.id});
-      rows::insert(db, columns.back());
-    }
+    const std::vector<BoardColumn> columns = bench::writeStandardColumns(db, project.id);
     const Person emile{Uuid::random(), "Émile Durand", std::nullopt, "", ""};
     rows::insert(db, emile);
     for (int n = 1; n <= 5000; ++n) {

@@ -7,6 +7,7 @@
 #include "core/board/BoardService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/BenchStore.h"
 
 namespace orvane {
 namespace {
@@ -16,8 +17,7 @@ namespace {
 // a creation event and, for most, two moves, a comment and a checklist item.
 // One column of every project holds `bigColumn` tickets.
 std::filesystem::path buildStore(const std::string& name, int projects, int ticketsEach, int bigColumn) {
-  const auto path = std::filesystem::temp_directory_path() / ("orvane-bench-" + std::to_string(getpid()) + "-" + name);
-  std::filesystem::remove(path);
+  const auto path = bench::scratchStorePath(name);
   Store store = Store::open(path);
   Database& db = store.db();
   Transaction transaction(db);
@@ -26,12 +26,7 @@ std::filesystem::path buildStore(const std::string& name, int projects, int tick
     Project project{Uuid::random(), "Project " + std::to_string(p), "P" + std::to_string(p), Timestamp{0}};
     project.nextTicketNumber = ticketsEach + 1;
     rows::insert(db, project);
-    std::vector<BoardColumn> columns;
-    for (const auto& column : ColumnTemplate::standard()) {
-      columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
-                         std::string(rawValue(column.type)), column.wipLimit, project.id});
-      rows::insert(db, columns.back());
-    }
+    const std::vector<BoardColumn> columns = bench::writeStandardColumns(db, project.id);
     std::vector<std::int64_t> nextPosition(columns.size(), 0);
     for (int n = 1; n <= ticketsEach; ++n) {
       // The first `bigColumn` tickets fill "To Do"; the rest spread out.

@@ -8,6 +8,7 @@
 #include "core/store/ChangeRecorder.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/BenchStore.h"
 
 namespace orvane {
 namespace {
@@ -16,8 +17,7 @@ namespace {
 // a creation event, a move, a comment and a checklist item: applying a step
 // checks the references of the whole file, so its cost grows with the store.
 std::filesystem::path buildStore() {
-  const auto path = std::filesystem::temp_directory_path() / ("orvane-undo-bench-" + std::to_string(getpid()));
-  std::filesystem::remove(path);
+  const auto path = bench::scratchStorePath("undo.sqlite");
   Store store = Store::open(path);
   Database& db = store.db();
   Transaction transaction(db);
@@ -25,12 +25,7 @@ std::filesystem::path buildStore() {
     Project project{Uuid::random(), "Project " + std::to_string(p), "P" + std::to_string(p), Timestamp{0}};
     project.nextTicketNumber = 5001;
     rows::insert(db, project);
-    std::vector<BoardColumn> columns;
-    for (const auto& column : ColumnTemplate::standard()) {
-      columns.push_back({Uuid::random(), column.name, static_cast<std::int64_t>(columns.size()),
-                         std::string(rawValue(column.type)), column.wipLimit, project.id});
-      rows::insert(db, columns.back());
-    }
+    const std::vector<BoardColumn> columns = bench::writeStandardColumns(db, project.id);
     std::vector<std::int64_t> nextPosition(columns.size(), 0);
     for (int n = 1; n <= 5000; ++n) {
       const auto c = static_cast<std::size_t>(n % 5);
