@@ -5,27 +5,15 @@
 #include <sstream>
 
 #include "cli/CliRun.h"
+#include "cli/StoreFileTest.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
 
 namespace orvane::cli::testing {
 namespace {
 
-class ExchangeCommands : public ::testing::Test {
+class ExchangeCommands : public StoreFileTest {
  protected:
-  orvane::testing::TempDir dir;
-  std::string store = (dir.path() / "orvane.sqlite").string();
-
-  CliRun run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", store, "--now", "2026-03-05T10:00:00Z"});
-    return runWith(args);
-  }
-  std::string ok(std::vector<std::string> args) {
-    const CliRun result = run(std::move(args));
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.err, "");
-    return result.out;
-  }
   std::string file(const std::string& name, const std::string& bytes) {
     const std::string path = (dir.path() / name).string();
     std::ofstream(path, std::ios::binary) << bytes;
@@ -38,7 +26,7 @@ class ExchangeCommands : public ::testing::Test {
     return bytes.str();
   }
   std::string dump() {
-    Store opened = Store::open(store);
+    Store opened = Store::open(path);
     return orvane::testing::dumpStore(opened.db());
   }
 };

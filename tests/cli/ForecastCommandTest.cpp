@@ -4,6 +4,7 @@
 
 #include "cli/CliRun.h"
 #include "cli/ForecastJson.h"
+#include "cli/StoreFileTest.h"
 #include "cli/TextLayout.h"
 #include "core/forecast/ForecastService.h"
 #include "core/support/StoreDump.h"
@@ -18,20 +19,10 @@ const CivilDate today{2026, 3, 5};
 
 // The demo project, loaded at --now, forecast through the command line and
 // through the core directly.
-class ForecastCommand : public ::testing::Test {
+class ForecastCommand : public StoreFileTest {
  protected:
   void SetUp() override { ASSERT_EQ(ok({"demo"}), "Demo: Web Shop\n"); }
 
-  CliRun run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", path, "--now", "2026-03-05T10:00:00Z"});
-    return runWith(args);
-  }
-  std::string ok(std::vector<std::string> args) {
-    const CliRun result = run(std::move(args));
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.err, "");
-    return result.out;
-  }
   json okJson(std::vector<std::string> args) { return json::parse(ok(std::move(args))); }
 
   // The core's own answer, on the same file.
@@ -43,9 +34,6 @@ class ForecastCommand : public ::testing::Test {
     const ProjectSnapshot project = *board.snapshot(board.projects().front().id);
     return query(project, forecasts);
   }
-
-  orvane::testing::TempDir dir;
-  std::string path = (dir.path() / "orvane.sqlite").string();
 };
 
 std::vector<std::string> keysOf(const json& object) {

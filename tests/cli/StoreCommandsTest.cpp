@@ -6,6 +6,7 @@
 
 #include "cli/CliRun.h"
 #include "cli/GlobalOptions.h"
+#include "cli/StoreFileTest.h"
 #include "core/store/Rows.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
@@ -18,21 +19,8 @@ using nlohmann::json;
 // 2026-03-05T10:00:00Z, given with --now; the runner's own clock differs.
 constexpr Timestamp commandNow{1772704800.0};
 
-class StoreCommands : public ::testing::Test {
+class StoreCommands : public StoreFileTest {
  protected:
-  orvane::testing::TempDir dir;
-  std::string path = (dir.path() / "orvane.sqlite").string();
-
-  CliRun run(std::vector<std::string> args) {
-    args.insert(args.begin(), {"--store", path, "--now", "2026-03-05T10:00:00Z"});
-    return runWith(args);
-  }
-  std::string ok(std::vector<std::string> args) {
-    const CliRun result = run(std::move(args));
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.err, "");
-    return result.out;
-  }
 };
 
 TEST_F(StoreCommands, createAddMoveShowArchiveAndRestore) {
