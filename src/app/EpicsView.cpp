@@ -26,8 +26,6 @@
 namespace orvane::app {
 namespace {
 
-constexpr int idRole = Qt::UserRole;
-
 enum EpicColumn { epicName, epicProgress, epicStart, epicDue, epicStatus, epicWaitsFor };
 enum MilestoneColumn { milestoneName, milestoneDate, milestoneEpic, milestoneDone };
 

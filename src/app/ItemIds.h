@@ -8,6 +8,9 @@
 
 namespace orvane::app {
 
+// The item-data role under which views keep a row's record id.
+inline constexpr int idRole = Qt::UserRole;
+
 // Record ids carried in item data and combo boxes, as their canonical text.
 inline QVariant idData(const Uuid& id) { return QString::fromStdString(id.text()); }
 inline QVariant idData(const std::optional<Uuid>& id) { return id ? idData(*id) : QVariant(); }

@@ -21,8 +21,6 @@
 namespace orvane::app {
 namespace {
 
-constexpr int idRole = Qt::UserRole;
-
 enum IterationColumn {
   nameColumn,
   stateColumn,

@@ -20,7 +20,6 @@
 namespace orvane::app {
 namespace {
 
-constexpr int idRole = Qt::UserRole;
 enum PeopleColumn { nameColumn, emailColumn, phoneColumn, ticketsColumn };
 
 }  // namespace

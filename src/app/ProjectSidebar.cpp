@@ -3,12 +3,9 @@
 #include <QSignalBlocker>
 
 #include "app/AppContext.h"
+#include "app/ItemIds.h"
 
 namespace orvane::app {
-
-namespace {
-constexpr int idRole = Qt::UserRole;
-}
 
 ProjectSidebar::ProjectSidebar(AppContext& context, QWidget* parent) : QListWidget(parent), context_(context) {
   setObjectName(QStringLiteral("projectList"));

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "core/model/ProjectSnapshot.h"
 
@@ -11,13 +12,8 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QListWidget;
 class QPlainTextEdit;
-class QPushButton;
 class QTabWidget;
-class QTreeWidget;
-class QTreeWidgetItem;
-class QListWidgetItem;
 
 namespace orvane {
 class BoardService;
@@ -28,6 +24,8 @@ namespace orvane::app {
 
 class AppContext;
 class DayField;
+class TicketFilesTab;
+class TicketTab;
 
 // Everything about one ticket, each field editable on its own: every edit is
 // one undoable step, and a refusal is shown as the service's sentence with
@@ -57,20 +55,10 @@ class TicketWindow : public QDialog {
 
  private:
   void buildFields();
-  QWidget* buildComments();
-  QWidget* buildChecklist();
-  QWidget* buildLinks();
-  QWidget* buildFiles();
-  QWidget* buildHistory();
 
   void reload();
   void showGone();
   void fillFields(const Ticket& ticket);
-  void fillComments();
-  void fillChecklist();
-  void fillLinks(const Ticket& ticket);
-  void fillFiles();
-  void fillHistory();
 
   // One undoable step over this window; false (after the alert) when refused,
   // in which case the fields are put back to what is stored.
@@ -82,9 +70,6 @@ class TicketWindow : public QDialog {
   void commitTitle();
   void commitDetails();
   void commitTags();
-  void commentEdited(QTreeWidgetItem* item, int column);
-  void checklistEdited(QListWidgetItem* item);
-  void moveChecklistItem(int by);
 
   AppContext& context_;
   Uuid ticket_;
@@ -108,16 +93,9 @@ class TicketWindow : public QDialog {
   QCheckBox* thisWeek_ = nullptr;
   QWidget* fields_ = nullptr;
   QTabWidget* tabs_ = nullptr;
-
-  QTreeWidget* comments_ = nullptr;
-  QPlainTextEdit* newComment_ = nullptr;
-  QListWidget* checklist_ = nullptr;
-  QLineEdit* newItem_ = nullptr;
-  QTreeWidget* links_ = nullptr;
-  QComboBox* linkKind_ = nullptr;
-  QComboBox* linkTarget_ = nullptr;
-  QTreeWidget* files_ = nullptr;
-  QListWidget* history_ = nullptr;
+  // The pages below the fields, each filled from the same snapshot.
+  std::vector<TicketTab*> pages_;
+  TicketFilesTab* files_ = nullptr;
 };
 
 }  // namespace orvane::app
