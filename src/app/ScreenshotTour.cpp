@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <fstream>
 #include <iostream>
+#include <map>
 
 #include "app/AddColumnDialog.h"
 #include "app/AppContext.h"
@@ -110,7 +111,20 @@ int ScreenshotTour::run() {
 
   if (project) {
     if (auto snapshot = context_.board().snapshot(*project); snapshot && !snapshot->tickets.empty()) {
-      if (QWidget* ticket = openTicketWindow(context_, snapshot->tickets.front().id, &window_)) {
+      // The ticket with the most comments and checklist items shows the
+      // window best.
+      std::map<Uuid, int> records;
+      for (const TicketComment& comment : snapshot->comments) ++records[comment.ticketId];
+      for (const ChecklistItem& item : snapshot->checklistItems) ++records[item.ticketId];
+      Uuid shown = snapshot->tickets.front().id;
+      int most = 0;
+      for (const auto& [ticket, count] : records) {
+        if (count > most) {
+          most = count;
+          shown = ticket;
+        }
+      }
+      if (QWidget* ticket = openTicketWindow(context_, shown, &window_)) {
         save(ticket, QStringLiteral("15-ticket-window"));
         ticket->close();
       }
