@@ -1,5 +1,4 @@
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -13,10 +12,6 @@
 namespace orvane {
 namespace {
 
-void removeStore(const std::filesystem::path& path) {
-  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path.string() + suffix);
-}
-
 // A heavy user's store, written row by row in one transaction: ten projects
 // of 5,000 tickets (50,000 in all), each ticket with a creation event and,
 // for most, a move, a comment and a checklist item; twenty people sharing
@@ -26,7 +21,6 @@ std::filesystem::path buildStore() {
   Store store = Store::open(path);
   Database& db = store.db();
   Transaction transaction(db);
-  const double day = 86400;
   std::vector<Uuid> people;
   for (int i = 0; i < 20; ++i) {
     people.push_back(Uuid::random());
@@ -41,28 +35,8 @@ std::filesystem::path buildStore() {
     Uuid previous;
     for (int n = 1; n <= 5000; ++n) {
       const std::size_t c = static_cast<std::size_t>(n % 5);
-      Ticket ticket;
-      ticket.id = Uuid::random();
-      ticket.number = n;
-      ticket.title = "Ticket number " + std::to_string(n) + " of project " + std::to_string(p);
-      ticket.details = "Some details that a person wrote about this ticket.";
-      ticket.position = nextPosition[c]++;
-      ticket.createdAt = Timestamp{n * 600.0};
-      if (c >= 2) ticket.startedAt = Timestamp{n * 600.0 + day};
-      if (c == 4) ticket.completedAt = Timestamp{n * 600.0 + 3 * day};
-      ticket.tags = {"web", "checkout"};
-      ticket.projectId = project.id;
-      ticket.columnId = columns[c].id;
-      ticket.assigneeId = people[static_cast<std::size_t>(n % 20)];
-      rows::insert(db, ticket);
-      rows::insert(db, TicketEvent{Uuid::random(), ticket.createdAt, std::nullopt, std::nullopt, columns[0].id,
-                                   columns[0].name, ticket.id});
-      if (c >= 2) {
-        rows::insert(db, TicketEvent{Uuid::random(), *ticket.startedAt, columns[0].id, columns[0].name, columns[c].id,
-                                     columns[c].name, ticket.id});
-        rows::insert(db, TicketComment{Uuid::random(), "Looks good to me.", *ticket.startedAt, ticket.id});
-        rows::insert(db, ChecklistItem{Uuid::random(), "Write the tests", c == 4, 0, ticket.id});
-      }
+      const Ticket ticket = bench::writeTicket(db, project.id, p, n, columns, c, nextPosition,
+                                               people[static_cast<std::size_t>(n % 20)]);
       if (n % 10 == 0)
         rows::insert(db, TicketLink{Uuid::random(), "blocked_by", ticket.createdAt, ticket.id, previous});
       previous = ticket.id;
@@ -100,13 +74,13 @@ void BM_RestoreOf50000Tickets(benchmark::State& state) {
   const auto path = bench::scratchStorePath("restore.sqlite");
   for (auto _ : state) {
     state.PauseTiming();
-    removeStore(path);
+    bench::removeStore(path);
     Store store = Store::open(path);
     state.ResumeTiming();
     const Backup::Report report = Backup::restoreBackup(store, document);
     benchmark::DoNotOptimize(report.tickets);
   }
-  removeStore(path);
+  bench::removeStore(path);
 }
 BENCHMARK(BM_RestoreOf50000Tickets)->Unit(benchmark::kMillisecond)->Iterations(3);
 

@@ -1,5 +1,4 @@
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -21,7 +20,6 @@ std::filesystem::path buildStore(const std::string& name, int projects, int tick
   Store store = Store::open(path);
   Database& db = store.db();
   Transaction transaction(db);
-  const double day = 86400;
   for (int p = 0; p < projects; ++p) {
     Project project{Uuid::random(), "Project " + std::to_string(p), "P" + std::to_string(p), Timestamp{0}};
     project.nextTicketNumber = ticketsEach + 1;
@@ -31,27 +29,7 @@ std::filesystem::path buildStore(const std::string& name, int projects, int tick
     for (int n = 1; n <= ticketsEach; ++n) {
       // The first `bigColumn` tickets fill "To Do"; the rest spread out.
       const std::size_t c = n <= bigColumn ? 1 : static_cast<std::size_t>(n % 5);
-      Ticket ticket;
-      ticket.id = Uuid::random();
-      ticket.number = n;
-      ticket.title = "Ticket number " + std::to_string(n) + " of project " + std::to_string(p);
-      ticket.details = "Some details that a person wrote about this ticket.";
-      ticket.position = nextPosition[c]++;
-      ticket.createdAt = Timestamp{n * 600.0};
-      if (c >= 2) ticket.startedAt = Timestamp{n * 600.0 + day};
-      if (c == 4) ticket.completedAt = Timestamp{n * 600.0 + 3 * day};
-      ticket.tags = {"web", "checkout"};
-      ticket.projectId = project.id;
-      ticket.columnId = columns[c].id;
-      rows::insert(db, ticket);
-      rows::insert(db, TicketEvent{Uuid::random(), ticket.createdAt, std::nullopt, std::nullopt, columns[0].id,
-                                   columns[0].name, ticket.id});
-      if (c >= 2) {
-        rows::insert(db, TicketEvent{Uuid::random(), *ticket.startedAt, columns[0].id, columns[0].name, columns[c].id,
-                                     columns[c].name, ticket.id});
-        rows::insert(db, TicketComment{Uuid::random(), "Looks good to me.", *ticket.startedAt, ticket.id});
-        rows::insert(db, ChecklistItem{Uuid::random(), "Write the tests", c == 4, 0, ticket.id});
-      }
+      bench::writeTicket(db, project.id, p, n, columns, c, nextPosition);
     }
   }
   transaction.commit();
