@@ -18,9 +18,13 @@ RenameProjectDialog::RenameProjectDialog(const QString& name, const QString& key
   name_ = new QLineEdit(name, this);
   name_->setObjectName(QStringLiteral("projectName"));
   name_->selectAll();
-  auto* prefix = new QLabel(key + QStringLiteral(" (ticket references keep the prefix they were made with)"), this);
+  auto* prefix = new QLabel(key, this);
   prefix->setObjectName(QStringLiteral("projectKey"));
-  prefix->setWordWrap(true);
+  prefix->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  auto* prefixNote = new QLabel(
+      QStringLiteral("The ticket prefix stays as it is: ticket references already quoted keep working."), this);
+  prefixNote->setWordWrap(true);
+  prefixNote->setStyleSheet(QStringLiteral("color: palette(placeholder-text);"));
   problem_ = new QLabel(this);
   problem_->setObjectName(QStringLiteral("problem"));
   problem_->setWordWrap(true);
@@ -40,6 +44,7 @@ RenameProjectDialog::RenameProjectDialog(const QString& name, const QString& key
 
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(form);
+  layout->addWidget(prefixNote);
   layout->addWidget(problem_);
   layout->addWidget(buttons);
   setMinimumWidth(420);

@@ -9,7 +9,7 @@ class QLineEdit;
 
 namespace orvane::app {
 
-// Renames a project: its name, with the ticket prefix shown beside it. The
+// Renames a project: its name, with the ticket prefix shown below it. The
 // prefix is part of every ticket reference people have already quoted, so it
 // stays as it was made. Rename hands the typed name to `onRename`; a returned
 // sentence is shown under the field and the sheet stays open.

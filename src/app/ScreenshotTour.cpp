@@ -179,7 +179,9 @@ int ScreenshotTour::run() {
       save(dialog, QStringLiteral("18-import-preview"));
       dialog->importButton()->click();
       settle();
-      save(window_.findChild<QMessageBox*>(QStringLiteral("importReport")), QStringLiteral("19-import-report"));
+      auto* report = window_.findChild<QMessageBox*>(QStringLiteral("importReport"));
+      save(report, QStringLiteral("19-import-report"));
+      if (report != nullptr) report->accept();
     }
     std::filesystem::remove(sample, ignored);
   }
