@@ -14,6 +14,7 @@
 #include "app/AddColumnDialog.h"
 #include "app/AppFixture.h"
 #include "app/BoardColumnWidget.h"
+#include "app/BoardCardActions.h"
 #include "app/BoardView.h"
 #include "app/EmptyStateView.h"
 #include "app/EpicDialog.h"
@@ -55,6 +56,7 @@ class MainWindowTest : public QObject {
   void titleNamesProjectAndView();
   void reopensOnLastProjectAndView();
   void renamesProjectFromListAndMenuAsOneUndoStep();
+  void ticketMenuActsOnTheBoardSelection();
 };
 
 namespace {
@@ -422,6 +424,37 @@ void MainWindowTest::renamesProjectFromListAndMenuAsOneUndoStep() {
   QVERIFY(window.findChild<RenameProjectDialog*>() != nullptr);
   window.selectProject(std::nullopt);
   QVERIFY(!fromMenu->isEnabled());
+}
+
+void MainWindowTest::ticketMenuActsOnTheBoardSelection() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Web", std::nullopt, f.clock).id;
+  const Uuid ticket = f.board().createTicket(project, NewTicket{.title = "A"}, f.clock).id;
+  MainWindow window(*f.context);
+  window.selectProject(project);
+  window.show();
+  window.pane()->boardView()->selectTickets({ticket});
+  auto* menu = window.menuBar()->findChild<QMenu*>("ticketMenu");
+  QVERIFY(menu != nullptr);
+  auto entryOf = [menu](const QString& text) -> QAction* {
+    for (QAction* action : menu->actions())
+      if (action->text() == text) return action;
+    return nullptr;
+  };
+
+  emit menu->aboutToShow();
+  QVERIFY(entryOf("Move to next column") != nullptr && entryOf("Move to next column")->isEnabled());
+  QVERIFY(!entryOf("Move to previous column")->isEnabled());
+  entryOf("Move to next column")->trigger();
+  QCOMPARE(f.snapshot(project).ticket(ticket)->columnId, std::optional<Uuid>(f.snapshot(project).columns[1].id));
+  QCOMPARE(actionStartingWith(window, "Undo")->text(), QString("Undo Move ticket"));
+
+  // Other views have no cards to act on.
+  window.setViewMode(ProjectViewMode::list);
+  emit menu->aboutToShow();
+  for (QAction* action : menu->actions()) QVERIFY(!action->isEnabled());
+  window.setViewMode(ProjectViewMode::board);
+  QVERIFY(window.pane()->boardView()->cardActions()->archiveAction()->isEnabled());
 }
 
 QTEST_MAIN(MainWindowTest)
