@@ -93,7 +93,8 @@ int runDesktopApp(int argc, char** argv) {
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("orvane"));
   QApplication::setOrganizationName(QStringLiteral("orvane"));
-  QApplication::setApplicationDisplayName(QStringLiteral("Orvane"));
+  // No application display name: the platform would append it to every
+  // window title, and the main window's title already begins with "Orvane".
   QApplication::setDesktopFileName(QStringLiteral("orvane"));
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
 

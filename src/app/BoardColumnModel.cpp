@@ -1,6 +1,7 @@
 #include "app/BoardColumnModel.h"
 
 #include <QMimeData>
+#include <algorithm>
 
 namespace orvane::app {
 
@@ -18,20 +19,6 @@ int BoardColumnModel::rowOf(const Uuid& ticket) const {
     if (cards_[row].id == ticket) return static_cast<int>(row);
   }
   return -1;
-}
-
-std::optional<std::int64_t> BoardColumnModel::dropIndex(std::int64_t ticketPosition, bool sameColumn, int row) const {
-  const int count = rowCount();
-  std::int64_t index = 0;
-  if (row >= 0 && row < count) {
-    index = card(row).position;
-  } else if (count > 0) {
-    index = card(count - 1).position + 1;
-  } else {
-    return std::nullopt;
-  }
-  if (sameColumn && ticketPosition < index) --index;
-  return index;
 }
 
 int BoardColumnModel::rowCount(const QModelIndex& parent) const {
@@ -65,8 +52,17 @@ QStringList BoardColumnModel::mimeTypes() const { return {QString::fromLatin1(mi
 
 QMimeData* BoardColumnModel::mimeData(const QModelIndexList& indexes) const {
   if (indexes.isEmpty()) return nullptr;
+  std::vector<int> rows;
+  for (const QModelIndex& index : indexes) rows.push_back(index.row());
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  QByteArray ids;
+  for (int row : rows) {
+    if (!ids.isEmpty()) ids += '\n';
+    ids += QByteArray::fromStdString(card(row).id.text());
+  }
   auto* mime = new QMimeData;
-  mime->setData(QString::fromLatin1(mimeType), QByteArray::fromStdString(card(indexes.front().row()).id.text()));
+  mime->setData(QString::fromLatin1(mimeType), ids);
   return mime;
 }
 
@@ -77,11 +73,16 @@ bool BoardColumnModel::canDropMimeData(const QMimeData* data, Qt::DropAction, in
 bool BoardColumnModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                                     const QModelIndex& parent) {
   if (!canDropMimeData(data, action, row, column, parent)) return false;
-  const std::optional<Uuid> ticket = Uuid::parse(data->data(QString::fromLatin1(mimeType)).toStdString());
-  if (!ticket) return false;
+  std::vector<Uuid> tickets;
+  for (const QByteArray& line : data->data(QString::fromLatin1(mimeType)).split('\n')) {
+    const std::optional<Uuid> ticket = Uuid::parse(line.toStdString());
+    if (!ticket) return false;
+    tickets.push_back(*ticket);
+  }
+  if (tickets.empty()) return false;
   // Dropped onto a card: before that card.
   if (row < 0 && parent.isValid()) row = parent.row();
-  emit moveRequested(*ticket, column_, row);
+  emit moveRequested(tickets, column_, row);
   // The move happens through the service and a reload; nothing to remove here.
   return false;
 }

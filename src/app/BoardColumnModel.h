@@ -9,7 +9,8 @@
 namespace orvane::app {
 
 // The cards of one board column, in board order, for a QListView. Cards are
-// dragged as their ticket id; a drop asks for a move (moveRequested) and the
+// dragged as their ticket ids (every selected card, top to bottom); a drop
+// asks for a move (moveRequested) and the
 // board performs it through the service, so the model itself never changes
 // the store and the view never removes rows on its own.
 class BoardColumnModel : public QAbstractListModel {
@@ -26,12 +27,6 @@ class BoardColumnModel : public QAbstractListModel {
   const TicketCard& card(int row) const { return cards_[static_cast<std::size_t>(row)]; }
   int rowOf(const Uuid& ticket) const;
 
-  // The service index for a card dropped before view row `row` (the end when
-  // row is -1 or past the last card). With a filter on, rows are a subset of
-  // the column, so the index comes from the neighbouring card's position.
-  // A card moving down its own column counts as already removed.
-  std::optional<std::int64_t> dropIndex(std::int64_t ticketPosition, bool sameColumn, int row) const;
-
   int rowCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
@@ -46,7 +41,7 @@ class BoardColumnModel : public QAbstractListModel {
 
  signals:
   // `row` is the view row the card was dropped before; -1 for the end.
-  void moveRequested(const orvane::Uuid& ticket, const orvane::Uuid& column, int row);
+  void moveRequested(const std::vector<orvane::Uuid>& tickets, const orvane::Uuid& column, int row);
 
  private:
   Uuid column_;

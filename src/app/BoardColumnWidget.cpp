@@ -49,8 +49,8 @@ BoardColumnWidget::BoardColumnWidget(AppContext& context, QWidget* parent) : QFr
   auto* menu = new QMenu(menuButton_);
   menu->addAction(QStringLiteral("Rename column…"), this, &BoardColumnWidget::rename);
   menu->addAction(QStringLiteral("WIP limit…"), this, &BoardColumnWidget::editLimit);
-  menu->addAction(QStringLiteral("Move left"), this, [this] { moveBy(-1); });
-  menu->addAction(QStringLiteral("Move right"), this, [this] { moveBy(1); });
+  moveLeft_ = menu->addAction(QStringLiteral("Move left"), this, [this] { moveBy(-1); });
+  moveRight_ = menu->addAction(QStringLiteral("Move right"), this, [this] { moveBy(1); });
   menu->addSeparator();
   menu->addAction(QStringLiteral("Delete column"), this, &BoardColumnWidget::remove);
   menuButton_->setMenu(menu);
@@ -72,7 +72,7 @@ BoardColumnWidget::BoardColumnWidget(AppContext& context, QWidget* parent) : QFr
   list_->setLayoutMode(QListView::Batched);
   list_->setBatchSize(200);
   list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-  list_->setSelectionMode(QAbstractItemView::SingleSelection);
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list_->setDragDropMode(QAbstractItemView::DragDrop);
   list_->setDefaultDropAction(Qt::MoveAction);
   list_->setDragEnabled(true);
@@ -87,18 +87,11 @@ BoardColumnWidget::BoardColumnWidget(AppContext& context, QWidget* parent) : QFr
     if (index.isValid()) emit openTicketRequested(model_->card(index.row()).id);
   });
 
+  // The card menu belongs to the board: it acts on the selection, which
+  // may span columns. A right click selects the card under it first.
   list_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(list_, &QListView::customContextMenuRequested, this, [this](const QPoint& at) {
-    const QModelIndex index = list_->indexAt(at);
-    if (!index.isValid()) return;
-    const Uuid ticket = model_->card(index.row()).id;
-    QMenu menu(this);
-    menu.addAction(QStringLiteral("Open ticket…"), this, [this, ticket] { emit openTicketRequested(ticket); });
-    menu.addAction(QStringLiteral("Archive"), this, [this, ticket] {
-      context_.perform(
-          QStringLiteral("Archive ticket"), [&](BoardService& board) { board.archive(ticket, context_.now()); }, this);
-    });
-    menu.exec(list_->viewport()->mapToGlobal(at));
+    if (list_->indexAt(at).isValid()) emit cardMenuRequested(list_->viewport()->mapToGlobal(at));
   });
 
   quickAdd_ = new QLineEdit(this);
@@ -127,6 +120,9 @@ void BoardColumnWidget::setColumn(const BoardColumn& column, std::size_t columnC
   count_->setText(count);
   warning_->setVisible(column.wipLimit && static_cast<std::int64_t>(activeCount) > *column.wipLimit);
   model_->setCards(column.id, std::move(cards));
+  // The ends of the board cannot move further out.
+  moveLeft_->setEnabled(column.position > 0);
+  moveRight_->setEnabled(column.position + 1 < static_cast<std::int64_t>(columnCount));
 }
 
 bool BoardColumnWidget::showsWipWarning() const { return !warning_->isHidden(); }

@@ -6,6 +6,7 @@
 #include "app/TicketCard.h"
 #include "core/model/BoardColumn.h"
 
+class QAction;
 class QLabel;
 class QLineEdit;
 class QListView;
@@ -37,8 +38,9 @@ class BoardColumnWidget : public QFrame {
   QString countText() const;
 
  signals:
-  void moveRequested(const orvane::Uuid& ticket, const orvane::Uuid& column, int row);
+  void moveRequested(const std::vector<orvane::Uuid>& tickets, const orvane::Uuid& column, int row);
   void openTicketRequested(const orvane::Uuid& ticket);
+  void cardMenuRequested(const QPoint& globalPos);
 
  private:
   void addTicket();
@@ -55,6 +57,8 @@ class BoardColumnWidget : public QFrame {
   QLabel* count_;
   QLabel* warning_;
   QToolButton* menuButton_;
+  QAction* moveLeft_;
+  QAction* moveRight_;
   QListView* list_;
   BoardColumnModel* model_;
   QLineEdit* quickAdd_;

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSettings>
@@ -13,11 +14,14 @@
 #include <QVBoxLayout>
 
 #include "app/AppContext.h"
+#include "app/BoardCardActions.h"
+#include "app/BoardView.h"
 #include "app/EmptyStateView.h"
 #include "app/ExternalChangeWatcher.h"
 #include "app/ProjectPane.h"
 #include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
+#include "app/RenameProjectDialog.h"
 #include "app/StoreCommands.h"
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
@@ -27,7 +31,8 @@ namespace orvane::app {
 
 namespace {
 const QString viewModeKey = QStringLiteral("window/viewMode");
-}
+const QString projectKey = QStringLiteral("window/project");
+}  // namespace
 
 MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(parent), context_(context) {
   setObjectName(QStringLiteral("mainWindow"));
@@ -57,6 +62,8 @@ MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(paren
   buildMenus();
 
   connect(sidebar_, &ProjectSidebar::projectSelected, this, &MainWindow::showSelection);
+  connect(sidebar_, &ProjectSidebar::renameRequested, this, &MainWindow::renameProject);
+  connect(sidebar_, &ProjectSidebar::deleteRequested, commands_, &StoreCommands::confirmDeleteProject);
   connect(commands_, &StoreCommands::projectCreated, this, [this](const Uuid& project) { selectProject(project); });
   connect(empty_, &EmptyStateView::startBlankRequested, commands_, &StoreCommands::newProject);
   connect(empty_, &EmptyStateView::loadDemoRequested, commands_, &StoreCommands::loadDemoProject);
@@ -68,6 +75,8 @@ MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(paren
   const std::optional<ProjectViewMode> stored = projectViewModeFromRaw(QSettings().value(viewModeKey).toString());
   setViewMode(stored.value_or(ProjectViewMode::board));
   refresh();
+  // Back where the user left off: the last project, when it still exists.
+  selectProject(Uuid::parse(QSettings().value(projectKey).toString().toStdString()));
   showSelection(sidebar_->selectedProject());
 }
 
@@ -117,9 +126,26 @@ void MainWindow::buildMenus() {
   }
 
   QMenu* project = menuBar()->addMenu(QStringLiteral("&Project"));
+  renameProject_ = project->addAction(QStringLiteral("Rename project…"), this, [this] {
+    if (const std::optional<Uuid> selected = selectedProject()) renameProject(*selected);
+  });
   recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
   project->addSeparator();
   deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
+
+  // The selected cards of the board; built when opened, so the column and
+  // people submenus are current. Other views have no card selection.
+  QMenu* ticket = menuBar()->addMenu(QStringLiteral("&Ticket"));
+  ticket->setObjectName(QStringLiteral("ticketMenu"));
+  connect(ticket, &QMenu::aboutToShow, this, [this, ticket] {
+    for (QMenu* submenu : ticket->findChildren<QMenu*>(Qt::FindDirectChildrenOnly)) submenu->deleteLater();
+    ticket->clear();
+    pane_->boardView()->cardActions()->fill(ticket);
+    const bool onBoard = viewMode() == ProjectViewMode::board && selectedProject().has_value();
+    if (!onBoard) {
+      for (QAction* action : ticket->actions()) action->setEnabled(false);
+    }
+  });
 
   QMenu* people = menuBar()->addMenu(QStringLiteral("P&eople"));
   QAction* peopleAction = people->addAction(QStringLiteral("People…"), this, &MainWindow::showPeople);
@@ -147,13 +173,27 @@ void MainWindow::setViewMode(ProjectViewMode mode) {
   viewActions_[static_cast<std::size_t>(position(mode))]->setChecked(true);
   pane_->setMode(mode);
   QSettings().setValue(viewModeKey, title(mode));
+  updateTitle();
 }
 
 QWidget* MainWindow::currentRightSide() const { return right_->currentWidget(); }
 
 void MainWindow::showSelection(const std::optional<Uuid>& project) {
   pane_->setProject(project);
+  if (project) {
+    QSettings().setValue(projectKey, QString::fromStdString(project->text()));
+  } else {
+    QSettings().remove(projectKey);
+  }
   refresh();
+}
+
+void MainWindow::updateTitle() {
+  // Names the place, so one of several windows (or its task bar entry) says
+  // where it is.
+  const QString name = sidebar_->selectedName();
+  setWindowTitle(name.isEmpty() ? QStringLiteral("Orvane")
+                                : QStringLiteral("Orvane — %1 — %2").arg(name, title(viewMode())));
 }
 
 void MainWindow::refresh() {
@@ -167,6 +207,7 @@ void MainWindow::refresh() {
     right_->setCurrentWidget(pane_);
   }
   deleteProject_->setEnabled(project.has_value());
+  renameProject_->setEnabled(project.has_value());
   recipients_->setEnabled(project.has_value());
   importTickets_->setEnabled(project.has_value());
   importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
@@ -174,6 +215,7 @@ void MainWindow::refresh() {
   exportTickets_->setEnabled(project.has_value());
   for (QAction* action : viewActions_) action->setEnabled(project.has_value());
   updateUndoActions();
+  updateTitle();
 }
 
 void MainWindow::updateUndoActions() {
@@ -194,6 +236,21 @@ void MainWindow::editReportRecipients() {
   auto* dialog = new ProjectSetupDialog(context_, *project, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->open();
+}
+
+QDialog* MainWindow::renameProject(const Uuid& project) {
+  QString name;
+  QString key;
+  for (const Project& candidate : context_.board().projects()) {
+    if (candidate.id != project) continue;
+    name = QString::fromStdString(candidate.name);
+    key = QString::fromStdString(candidate.key);
+  }
+  auto* dialog = new RenameProjectDialog(
+      name, key, [this, project](const QString& typed) { return commands_->renameProject(project, typed); }, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+  return dialog;
 }
 
 void MainWindow::deleteSelectedProject() {

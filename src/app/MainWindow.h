@@ -9,6 +9,7 @@
 
 class QAction;
 class QActionGroup;
+class QDialog;
 class QLabel;
 class QStackedWidget;
 
@@ -51,6 +52,9 @@ class MainWindow : public QMainWindow {
   void showPeople();
   void editReportRecipients();
   void deleteSelectedProject();  // asks first
+  // Opens the rename sheet for `project`; returns it (tests and the tour
+  // fill it in).
+  QDialog* renameProject(const Uuid& project);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -60,6 +64,7 @@ class MainWindow : public QMainWindow {
   void refresh();  // after any change to the store
   void updateUndoActions();
   void showSelection(const std::optional<Uuid>& project);
+  void updateTitle();
 
   AppContext& context_;
   StoreCommands* commands_;
@@ -76,6 +81,7 @@ class MainWindow : public QMainWindow {
   QAction* redo_ = nullptr;
   QAction* deleteProject_ = nullptr;
   QAction* recipients_ = nullptr;
+  QAction* renameProject_ = nullptr;
   QAction* importTickets_ = nullptr;
   QAction* exportTickets_ = nullptr;
   bool filledScreen_ = false;

@@ -1,5 +1,6 @@
 #include "app/ProjectSidebar.h"
 
+#include <QMenu>
 #include <QSignalBlocker>
 
 #include "app/AppContext.h"
@@ -15,6 +16,8 @@ ProjectSidebar::ProjectSidebar(AppContext& context, QWidget* parent) : QListWidg
     if (!reloading_) announceSelection();
   });
   connect(&context_, &AppContext::storeChanged, this, &ProjectSidebar::reload);
+  setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(this, &QWidget::customContextMenuRequested, this, &ProjectSidebar::showContextMenu);
   reload();
 }
 
@@ -22,6 +25,29 @@ std::optional<Uuid> ProjectSidebar::selectedProject() const {
   const QList<QListWidgetItem*> items = selectedItems();
   if (items.isEmpty()) return std::nullopt;
   return Uuid::parse(items.front()->data(idRole).toString().toStdString());
+}
+
+QString ProjectSidebar::selectedName() const {
+  const QList<QListWidgetItem*> items = selectedItems();
+  return items.isEmpty() ? QString() : items.front()->text();
+}
+
+void ProjectSidebar::showContextMenu(const QPoint& at) {
+  QListWidgetItem* entry = itemAt(at);
+  if (entry == nullptr) return;
+  const std::optional<Uuid> project = Uuid::parse(entry->data(idRole).toString().toStdString());
+  if (!project) return;
+  // The menu acts on the project under the pointer, which becomes the
+  // selected one, as a click would make it.
+  selectProject(project);
+  auto* menu = new QMenu(this);
+  menu->setObjectName(QStringLiteral("projectMenu"));
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const Uuid id = *project;
+  menu->addAction(QStringLiteral("Rename project…"), this, [this, id] { emit renameRequested(id); });
+  menu->addSeparator();
+  menu->addAction(QStringLiteral("Delete project…"), this, [this, id] { emit deleteRequested(id); });
+  menu->popup(viewport()->mapToGlobal(at));
 }
 
 void ProjectSidebar::selectProject(const std::optional<Uuid>& project) {

@@ -4,8 +4,11 @@
 #include <QCheckBox>
 #include <QEventLoop>
 #include <QLineEdit>
+#include <QListView>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 #include <fstream>
 #include <iostream>
@@ -13,6 +16,9 @@
 
 #include "app/AddColumnDialog.h"
 #include "app/AppContext.h"
+#include "app/BoardColumnModel.h"
+#include "app/BoardColumnWidget.h"
+#include "app/BoardView.h"
 #include "app/EmptyStateView.h"
 #include "app/FilterBar.h"
 #include "app/ImportDialog.h"
@@ -21,6 +27,7 @@
 #include "app/ProjectPane.h"
 #include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
+#include "app/RenameProjectDialog.h"
 #include "app/StoreCommands.h"
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
@@ -45,6 +52,19 @@ bool ScreenshotTour::save(QWidget* widget, const QString& name) {
   settle();
   const std::filesystem::path file = folder_ / (name.toStdString() + ".png");
   const bool saved = widget != nullptr && widget->grab().save(QString::fromStdString(file.string()));
+  if (!saved) {
+    std::cerr << "Could not save " << file.string() << '\n';
+    ++failures_;
+  }
+  return saved;
+}
+
+bool ScreenshotTour::saveScreen(const QString& name) {
+  // The whole screen, for popups that are windows of their own.
+  settle();
+  const std::filesystem::path file = folder_ / (name.toStdString() + ".png");
+  QScreen* screen = window_.screen();
+  const bool saved = screen != nullptr && screen->grabWindow(0).save(QString::fromStdString(file.string()));
   if (!saved) {
     std::cerr << "Could not save " << file.string() << '\n';
     ++failures_;
@@ -159,9 +179,42 @@ int ScreenshotTour::run() {
       save(dialog, QStringLiteral("18-import-preview"));
       dialog->importButton()->click();
       settle();
-      save(window_.findChild<QMessageBox*>(QStringLiteral("importReport")), QStringLiteral("19-import-report"));
+      auto* report = window_.findChild<QMessageBox*>(QStringLiteral("importReport"));
+      save(report, QStringLiteral("19-import-report"));
+      if (report != nullptr) report->accept();
     }
     std::filesystem::remove(sample, ignored);
+  }
+  if (project) {
+    window_.setViewMode(ProjectViewMode::board);
+    settle();
+    // Three cards from two columns, then the card menu over them.
+    BoardView* board = window_.pane()->boardView();
+    std::vector<Uuid> chosen;
+    for (BoardColumnWidget* column : board->columnWidgets()) {
+      for (int row = 0; row < column->model()->rowCount() && row < 2 && chosen.size() < 3; ++row)
+        chosen.push_back(column->model()->card(row).id);
+    }
+    board->selectTickets(chosen);
+    save(&window_, QStringLiteral("20-board-multi-selection"));
+    for (BoardColumnWidget* column : board->columnWidgets()) {
+      if (column->model()->rowCount() == 0) continue;
+      const QRect card = column->list()->visualRect(column->model()->index(0));
+      QMenu* menu = board->showCardMenu(column->list()->viewport()->mapToGlobal(card.center()));
+      settle();
+      saveScreen(QStringLiteral("21-card-menu"));
+      menu->close();
+      break;
+    }
+    board->selectTickets({});
+
+    // The rename sheet, refusing an empty name where it was typed.
+    if (auto* rename = qobject_cast<RenameProjectDialog*>(window_.renameProject(*project))) {
+      rename->nameField()->setText(QStringLiteral("  "));
+      rename->rename();
+      save(rename, QStringLiteral("22-rename-project-refused"));
+      rename->reject();
+    }
   }
   return failures_ == 0 ? 0 : 1;
 }

@@ -12,7 +12,8 @@ class MainWindow;
 
 // Walks the window through every screen and saves a PNG of each into one
 // folder, so all of them can be looked at in one go: the empty state, the
-// nine views of the first project, the filtered board and the sheets.
+// nine views of the first project, the filtered board, a selection of cards
+// with the card menu over it, and the sheets.
 class ScreenshotTour : public QObject {
   Q_OBJECT
 
@@ -24,6 +25,7 @@ class ScreenshotTour : public QObject {
 
  private:
   bool save(QWidget* widget, const QString& name);
+  bool saveScreen(const QString& name);
 
   AppContext& context_;
   MainWindow& window_;

@@ -45,6 +45,18 @@ std::optional<QString> StoreCommands::createProject(const QString& name, const Q
   return std::nullopt;
 }
 
+std::optional<QString> StoreCommands::renameProject(const Uuid& project, const QString& name) {
+  // As with a new project, the sheet shows a refusal where the name is typed.
+  try {
+    context_.undoHistory().record(QStringLiteral("Rename project"),
+                                  [&] { context_.board().renameProject(project, name.toStdString()); });
+  } catch (const std::exception& error) {
+    return QString::fromStdString(error.what());
+  }
+  context_.notifyStoreChanged();
+  return std::nullopt;
+}
+
 void StoreCommands::loadDemoProject() {
   std::optional<Uuid> created;
   if (context_.perform(

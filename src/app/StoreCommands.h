@@ -27,6 +27,9 @@ class StoreCommands : public QObject {
   void newProject();
   // Creates a project; returns the service's sentence when it is refused.
   std::optional<QString> createProject(const QString& name, const QString& key);
+  // Renames a project as one undoable step; returns the service's sentence
+  // when it is refused (an empty name, a name another project has).
+  std::optional<QString> renameProject(const Uuid& project, const QString& name);
   void loadDemoProject();
   // Asks "Delete this project and all its tickets?" first.
   void confirmDeleteProject(const Uuid& project);

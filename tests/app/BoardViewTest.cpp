@@ -1,10 +1,14 @@
 #include <QAction>
 #include <QLineEdit>
+#include <QListView>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/BoardCardActions.h"
 #include "app/BoardColumnModel.h"
 #include "app/BoardColumnWidget.h"
 #include "app/BoardView.h"
@@ -29,6 +33,12 @@ struct BoardFixture : AppFixture {
     view.show();  // a visible view reloads as soon as the store changes
   }
   Uuid ticket(const std::string& title) { return board().createTicket(project, NewTicket{.title = title}, clock).id; }
+  Uuid ticketIn(std::size_t column, const std::string& title) {
+    return board()
+        .createTicket(project, NewTicket{.title = title, .column = snapshot(project).columns[column].id}, clock)
+        .id;
+  }
+  QString undoLabel() { return context->undoHistory().undoLabel(); }
   BoardColumnWidget* column(std::size_t index) { return view.columnWidgets().at(index); }
   QStringList titles(std::size_t index) {
     QStringList titles;
@@ -62,19 +72,29 @@ class BoardViewTest : public QObject {
   void cardsShowWhatTheSnapshotDerives();
   void dropOnFilteredColumnLandsBesideTheVisibleCard();
   void columnMenuMovesAndDeletesColumnsOrSaysWhyNot();
+  void columnMenuCannotMovePastTheEnds();
+  void cardActionsActOnCardsAcrossColumnsAsOneStep();
+  void keyboardOpensAndMovesTheSelectedCard();
+  void plainClickSelectsOneCardModifiersAddAcrossColumns();
+  void cardMenuOffersColumnsPeopleArchiveAndDelete();
+  void deletingSelectedCardsAsksFirst();
+  void draggingSeveralCardsKeepsTheirOrder();
 };
 
 namespace {
 
+QAction* columnMenuAction(BoardColumnWidget* column, const QString& text) {
+  for (QAction* action : column->findChildren<QAction*>()) {
+    if (action->text() == text) return action;
+  }
+  return nullptr;
+}
+
 // Triggers the action `text` of the column menu of `column`.
 void columnAction(BoardColumnWidget* column, const QString& text) {
-  for (QAction* action : column->findChildren<QAction*>()) {
-    if (action->text() == text) {
-      action->trigger();
-      return;
-    }
-  }
-  QFAIL(qPrintable("no action " + text));
+  QAction* action = columnMenuAction(column, text);
+  QVERIFY2(action != nullptr, qPrintable("no action " + text));
+  action->trigger();
 }
 
 QStringList columnNames(AppFixture& f, const Uuid& project) {
@@ -228,6 +248,230 @@ void BoardViewTest::columnMenuMovesAndDeletesColumnsOrSaysWhyNot() {
   auto* alert = f.view.findChild<QMessageBox*>("alert");
   QVERIFY(alert != nullptr);
   QCOMPARE(alert->text(), QString("The board needs at least one Done column."));
+}
+
+void BoardViewTest::columnMenuCannotMovePastTheEnds() {
+  BoardFixture f;
+  struct Case {
+    std::size_t column;
+    bool left;
+    bool right;
+  };
+  for (const Case& c : {Case{0, false, true}, Case{2, true, true}, Case{4, true, false}}) {
+    QCOMPARE(columnMenuAction(f.column(c.column), "Move left")->isEnabled(), c.left);
+    QCOMPARE(columnMenuAction(f.column(c.column), "Move right")->isEnabled(), c.right);
+  }
+  // After a move the ends are worked out anew.
+  columnAction(f.column(3), "Move right");
+  QVERIFY(!columnMenuAction(f.column(4), "Move right")->isEnabled());
+  QVERIFY(columnMenuAction(f.column(3), "Move right")->isEnabled());
+  QCOMPARE(columnNames(f, f.project), (QStringList{"Backlog", "To Do", "In Progress", "Done", "Review"}));
+  QVERIFY(f.view.findChild<QMessageBox*>("alert") == nullptr);
+}
+
+namespace {
+
+// The texts of a menu's entries, separators left out.
+QStringList entries(const QMenu* menu) {
+  QStringList texts;
+  for (const QAction* action : menu->actions())
+    if (!action->isSeparator()) texts << action->text();
+  return texts;
+}
+
+QAction* entry(const QMenu* menu, const QString& text) {
+  for (QAction* action : menu->actions())
+    if (action->text() == text) return action;
+  return nullptr;
+}
+
+}  // namespace
+
+void BoardViewTest::cardActionsActOnCardsAcrossColumnsAsOneStep() {
+  BoardFixture f;
+  const Uuid a = f.ticket("A");
+  f.ticket("B");
+  const Uuid c = f.ticketIn(1, "C");
+  const Uuid mara = f.board().createPerson("Mara", std::nullopt).id;
+  f.view.reloadNow();
+  f.view.selectTickets({c, a});
+  QCOMPARE(f.view.selectedTickets(), (std::vector<Uuid>{a, c}));  // board order
+
+  BoardCardActions* actions = f.view.cardActions();
+  QVERIFY(!actions->moveLeftAction()->isEnabled());  // A is in the first column
+  QVERIFY(actions->moveRightAction()->isEnabled());
+  QVERIFY(!actions->openAction()->isEnabled());  // one ticket window at a time
+  actions->moveRightAction()->trigger();
+  QCOMPARE(f.titles(0), QStringList{"B"});
+  QCOMPARE(f.titles(1), QStringList{"A"});
+  QCOMPARE(f.titles(2), QStringList{"C"});
+  QCOMPARE(f.undoLabel(), QString("Move tickets"));
+  // The moved cards stay selected, so the next move takes them on.
+  QCOMPARE(f.view.selectedTickets(), (std::vector<Uuid>{a, c}));
+  QVERIFY(actions->moveLeftAction()->isEnabled());
+
+  actions->assign(mara);
+  QCOMPARE(f.undoLabel(), QString("Assign tickets"));
+  actions->archiveAction()->trigger();
+  QCOMPARE(f.undoLabel(), QString("Archive tickets"));
+  QVERIFY(f.snapshot(f.project).ticket(a)->isArchived() && f.snapshot(f.project).ticket(c)->isArchived());
+  QVERIFY(f.view.selectedTickets().empty());
+  QVERIFY(!actions->archiveAction()->isEnabled());
+
+  // Each action was one step: three undos take all of it back.
+  f.context->undo(nullptr);
+  QVERIFY(!f.snapshot(f.project).ticket(a)->isArchived() && !f.snapshot(f.project).ticket(c)->isArchived());
+  QCOMPARE(f.snapshot(f.project).ticket(c)->assigneeId, std::optional<Uuid>(mara));
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(f.project).ticket(a)->assigneeId, std::optional<Uuid>());
+  QCOMPARE(f.snapshot(f.project).ticket(c)->assigneeId, std::optional<Uuid>());
+  f.context->undo(nullptr);
+  QCOMPARE(f.titles(0), (QStringList{"A", "B"}));
+  QCOMPARE(f.titles(1), QStringList{"C"});
+}
+
+void BoardViewTest::keyboardOpensAndMovesTheSelectedCard() {
+  BoardFixture f;
+  const Uuid a = f.ticket("A");
+  f.view.reloadNow();
+  QApplication::setActiveWindow(&f.view);
+  QVERIFY(QTest::qWaitForWindowActive(&f.view));
+  std::vector<Uuid> opened;
+  connect(&f.view, &BoardView::openTicketRequested, &f.view, [&](const Uuid& id) { opened.push_back(id); });
+
+  f.column(0)->list()->setFocus();
+  f.view.selectTickets({a});
+  QTest::keyClick(f.column(0)->list(), Qt::Key_Return);
+  QCOMPARE(opened, std::vector<Uuid>{a});
+
+  const Qt::KeyboardModifiers move = Qt::ControlModifier | Qt::ShiftModifier;
+  QTest::keyClick(f.column(0)->list(), Qt::Key_Right, move);
+  QCOMPARE(f.titles(1), QStringList{"A"});
+  QCOMPARE(f.undoLabel(), QString("Move ticket"));
+  // The focus follows the card, so the keys can walk it across the board.
+  QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(f.column(1)->list()));
+  for (int i = 0; i < 3; ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, move);
+  QCOMPARE(f.titles(4), QStringList{"A"});
+  QVERIFY(f.snapshot(f.project).ticket(a)->completedAt.has_value());
+  QVERIFY(!f.view.cardActions()->moveRightAction()->isEnabled());
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, move);  // the last column: nothing
+  QCOMPARE(f.titles(4), QStringList{"A"});
+  QVERIFY(f.view.findChild<QMessageBox*>("alert") == nullptr);
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left, move);
+  QCOMPARE(f.titles(3), QStringList{"A"});
+
+  // In a text field Return is the field's own: the quick add makes a ticket.
+  QLineEdit* quickAdd = f.column(0)->quickAdd();
+  quickAdd->setFocus();
+  QTest::keyClicks(quickAdd, "Typed");
+  QTest::keyClick(quickAdd, Qt::Key_Return);
+  QCOMPARE(f.titles(0), QStringList{"Typed"});
+  QCOMPARE(opened.size(), std::size_t(1));
+}
+
+void BoardViewTest::plainClickSelectsOneCardModifiersAddAcrossColumns() {
+  BoardFixture f;
+  const Uuid a = f.ticket("A");
+  const Uuid b = f.ticket("B");
+  const Uuid c = f.ticketIn(1, "C");
+  f.view.reloadNow();
+  auto click = [&](std::size_t column, int row, Qt::KeyboardModifiers modifiers) {
+    QListView* list = f.column(column)->list();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, modifiers,
+                      list->visualRect(f.column(column)->model()->index(row)).center());
+  };
+  struct Step {
+    std::size_t column;
+    int row;
+    Qt::KeyboardModifiers modifiers;
+    std::vector<Uuid> selected;
+  };
+  for (const Step& step : {Step{0, 0, {}, {a}}, Step{1, 0, Qt::ControlModifier, {a, c}},
+                           Step{0, 1, Qt::ControlModifier, {a, b, c}}, Step{1, 0, {}, {c}}, Step{0, 0, {}, {a}},
+                           Step{0, 1, Qt::ShiftModifier, {a, b}}, Step{0, 0, Qt::ControlModifier, {b}}}) {
+    click(step.column, step.row, step.modifiers);
+    QCOMPARE(f.view.selectedTickets(), step.selected);
+  }
+}
+
+void BoardViewTest::cardMenuOffersColumnsPeopleArchiveAndDelete() {
+  BoardFixture f;
+  const Uuid a = f.ticket("A");
+  f.board().createPerson("Ole", std::nullopt);
+  const Uuid mara = f.board().createPerson("Mara", std::nullopt).id;
+  f.view.reloadNow();
+  f.view.selectTickets({a});
+  QMenu* menu = f.view.showCardMenu(QPoint(20, 20));
+  QCOMPARE(entries(menu), (QStringList{"Open ticket…", "Move to previous column", "Move to next column",
+                                       "Move to column", "Assign", "Archive", "Delete…"}));
+  QVERIFY(entry(menu, "Open ticket…")->isEnabled());
+  QVERIFY(!entry(menu, "Move to previous column")->isEnabled());
+  QCOMPARE(entry(menu, "Move to next column")->shortcut(), QKeySequence("Ctrl+Shift+Right"));
+  QCOMPARE(entry(menu, "Move to previous column")->shortcut(), QKeySequence("Ctrl+Shift+Left"));
+  QCOMPARE(entry(menu, "Open ticket…")->shortcut(), QKeySequence(Qt::Key_Return));
+
+  const QMenu* moveTo = entry(menu, "Move to column")->menu();
+  QCOMPARE(entries(moveTo), (QStringList{"Backlog", "To Do", "In Progress", "Review", "Done"}));
+  QVERIFY(!entry(moveTo, "Backlog")->isEnabled());  // where the card is
+  const QMenu* assign = entry(menu, "Assign")->menu();
+  QCOMPARE(entries(assign), (QStringList{"Mara", "Ole", "Unassigned"}));
+  QVERIFY(entry(assign, "Unassigned")->isChecked());
+
+  entry(assign, "Mara")->trigger();
+  QCOMPARE(f.snapshot(f.project).ticket(a)->assigneeId, std::optional<Uuid>(mara));
+  entry(moveTo, "Review")->trigger();
+  QCOMPARE(f.titles(3), QStringList{"A"});
+  menu->close();
+
+  // The window's Ticket menu is the same menu.
+  menu = f.view.showCardMenu(QPoint(20, 20));
+  QVERIFY(entry(entry(menu, "Assign")->menu(), "Mara")->isChecked());
+  QVERIFY(!entry(entry(menu, "Move to column")->menu(), "Review")->isEnabled());
+  menu->close();
+}
+
+void BoardViewTest::deletingSelectedCardsAsksFirst() {
+  BoardFixture f;
+  const Uuid a = f.ticket("A");
+  const Uuid b = f.ticketIn(2, "B");
+  f.ticket("C");
+  f.view.reloadNow();
+  f.view.selectTickets({a, b});
+  f.view.cardActions()->deleteAction()->trigger();
+  auto* confirm = f.view.findChild<QMessageBox*>("confirmDeleteTicket");
+  QVERIFY(confirm != nullptr);
+  QCOMPARE(confirm->text(), QString("Delete these 2 tickets?"));
+  QCOMPARE(f.snapshot(f.project).tickets.size(), std::size_t(3));  // nothing yet
+  confirm->findChild<QPushButton*>("confirm")->click();
+  QCOMPARE(f.snapshot(f.project).tickets.size(), std::size_t(1));
+  QCOMPARE(f.undoLabel(), QString("Delete tickets"));
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(f.project).tickets.size(), std::size_t(3));
+  QCOMPARE(f.titles(0), (QStringList{"A", "C"}));
+}
+
+void BoardViewTest::draggingSeveralCardsKeepsTheirOrder() {
+  BoardFixture f;
+  for (const char* title : {"A", "B", "C", "D"}) f.ticket(title);
+  f.ticketIn(1, "X");
+  f.view.reloadNow();
+  auto dragRows = [&](std::size_t from, QList<int> rows, std::size_t to, int targetRow) {
+    BoardColumnModel* source = f.column(from)->model();
+    QModelIndexList indexes;
+    for (int row : rows) indexes << source->index(row);  // in the order they were selected
+    std::unique_ptr<QMimeData> mime(source->mimeData(indexes));
+    f.column(to)->model()->dropMimeData(mime.get(), Qt::MoveAction, targetRow, 0, {});
+    QCoreApplication::processEvents();
+  };
+  dragRows(0, {2, 0}, 0, 3);  // C and A, dropped before D
+  QCOMPARE(f.titles(0), (QStringList{"B", "A", "C", "D"}));
+  QCOMPARE(f.undoLabel(), QString("Move tickets"));
+  dragRows(0, {3, 0}, 1, 0);  // D and B, to the top of To Do
+  QCOMPARE(f.titles(0), (QStringList{"A", "C"}));
+  QCOMPARE(f.titles(1), (QStringList{"B", "D", "X"}));
+  f.context->undo(nullptr);
+  QCOMPARE(f.titles(0), (QStringList{"B", "A", "C", "D"}));
+  QCOMPARE(f.titles(1), QStringList{"X"});
 }
 
 QTEST_MAIN(BoardViewTest)

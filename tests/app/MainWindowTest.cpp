@@ -1,23 +1,39 @@
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QStackedWidget>
+#include <QTemporaryDir>
 #include <QTest>
+#include <fstream>
 
+#include "app/AddColumnDialog.h"
 #include "app/AppFixture.h"
 #include "app/BoardColumnWidget.h"
+#include "app/BoardCardActions.h"
 #include "app/BoardView.h"
 #include "app/EmptyStateView.h"
+#include "app/EpicDialog.h"
 #include "app/ExternalChangeWatcher.h"
+#include "app/ImportDialog.h"
+#include "app/IterationCloseDialog.h"
+#include "app/IterationDialog.h"
 #include "app/MainWindow.h"
+#include "app/MilestoneDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectPane.h"
+#include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
 #include "app/ProjectViewBase.h"
+#include "app/RenameProjectDialog.h"
 #include "app/StoreCommands.h"
+#include "app/TicketExchangeCommands.h"
+#include "app/TicketOpener.h"
+#include "app/UndoHistory.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -36,6 +52,11 @@ class MainWindowTest : public QObject {
   void fillsScreenOnceAtFirstShowAndStartsOnStoredView();
   void showsChangesMadeByAnotherConnection();
   void undoAndRedoFromTheEditMenu();
+  void everyViewAndSheetFitsASmallScreen();
+  void titleNamesProjectAndView();
+  void reopensOnLastProjectAndView();
+  void renamesProjectFromListAndMenuAsOneUndoStep();
+  void ticketMenuActsOnTheBoardSelection();
 };
 
 namespace {
@@ -238,6 +259,202 @@ void MainWindowTest::undoAndRedoFromTheEditMenu() {
   redo->trigger();
   QCOMPARE(window.sidebar()->count(), 1);
   QVERIFY(!redo->isEnabled());
+}
+
+void MainWindowTest::everyViewAndSheetFitsASmallScreen() {
+  // 1280x800 less a task bar: every control must stay reachable there, so no
+  // screen may ask for more than that as its minimum.
+  const QSize small(1280, 800 - 48);
+  auto fits = [&](QWidget* widget, const QString& what) {
+    QVERIFY2(widget != nullptr, qPrintable(what));
+    const QSize needed = widget->minimumSizeHint().expandedTo(widget->minimumSize());
+    QVERIFY2(needed.width() <= small.width() && needed.height() <= small.height(),
+             qPrintable(QStringLiteral("%1 needs %2x%3").arg(what).arg(needed.width()).arg(needed.height())));
+  };
+
+  AppFixture f;
+  MainWindow window(*f.context);
+  window.commands()->loadDemoProject();
+  const Uuid project = *window.selectedProject();
+  // A board wider than any screen: the columns scroll, "Add column" stays.
+  for (int i = 0; i < 8; ++i)
+    f.board().addColumn(project, "Extra " + std::to_string(i), ColumnType::inProgress, std::nullopt);
+  f.context->notifyStoreChanged();
+  window.show();
+  for (ProjectViewMode mode : allProjectViewModes) {
+    window.setViewMode(mode);
+    QCoreApplication::processEvents();
+    fits(&window, QStringLiteral("the window on ") + title(mode));
+  }
+
+  // At that size the board scrolls its columns and keeps "Add column" in
+  // sight.
+  window.setViewMode(ProjectViewMode::board);
+  window.resize(small);
+  QCoreApplication::processEvents();
+  QPushButton* addColumn = window.pane()->boardView()->addColumnButton();
+  QVERIFY(addColumn->isVisible());
+  QVERIFY(window.rect().contains(QRect(addColumn->mapTo(&window, QPoint(0, 0)), addColumn->size())));
+
+  const ProjectSnapshot snapshot = f.snapshot(project);
+  const Timestamp now = f.clock;
+  fits(new NewProjectDialog([](const QString&, const QString&) { return std::optional<QString>(); }, &window),
+       "new project");
+  fits(new ProjectSetupDialog(*f.context, project, &window), "report recipients");
+  fits(new AddColumnDialog(&window), "add column");
+  fits(new EpicDialog(
+           f.context->calendar(), snapshot.epics.front(), [](auto&&...) { return true; }, &window),
+       "epic");
+  fits(new IterationDialog(
+           f.context->calendar(), std::nullopt, now, [](auto&&...) { return true; }, &window),
+       "iteration");
+  fits(new MilestoneDialog(
+           f.context->calendar(), snapshot.epics, std::nullopt, now, [](auto&&...) { return true; }, &window),
+       "milestone");
+  if (!snapshot.iterations.empty())
+    fits(new IterationCloseDialog(
+             snapshot, snapshot.iterations.front(), [](auto&&...) { return true; }, &window),
+         "close iteration");
+  fits(openTicketWindow(*f.context, snapshot.tickets.front().id, &window), "ticket window");
+  fits(openPeopleWindow(*f.context, &window), "people");
+  QTemporaryDir folder;
+  const std::filesystem::path csv = folder.filePath("tickets.csv").toStdString();
+  std::ofstream(csv) << "title,column\nExport invoices,Backlog\n";
+  fits(window.exchange()->openImportFile(project, csv), "import preview");
+  window.deleteSelectedProject();
+  fits(window.findChild<QMessageBox*>("confirmDeleteProject"), "delete project");
+}
+
+void MainWindowTest::titleNamesProjectAndView() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Website relaunch", std::nullopt, f.clock).id;
+  MainWindow window(*f.context);
+  QCOMPARE(window.windowTitle(), QString("Orvane"));
+  window.selectProject(project);
+  QCOMPARE(window.windowTitle(), QString("Orvane — Website relaunch — Board"));
+  window.setViewMode(ProjectViewMode::iterations);
+  QCOMPARE(window.windowTitle(), QString("Orvane — Website relaunch — Iterations"));
+  window.selectProject(std::nullopt);
+  QCOMPARE(window.windowTitle(), QString("Orvane"));
+}
+
+void MainWindowTest::reopensOnLastProjectAndView() {
+  AppFixture f;
+  f.board().createProject("Alpha", std::nullopt, f.clock);
+  const Uuid beta = f.board().createProject("Beta", std::nullopt, f.clock).id;
+  {
+    MainWindow window(*f.context);
+    QVERIFY(!window.selectedProject());
+    window.selectProject(beta);
+    window.setViewMode(ProjectViewMode::epics);
+  }
+  {
+    MainWindow window(*f.context);
+    QCOMPARE(window.selectedProject(), std::optional<Uuid>(beta));
+    QCOMPARE(window.viewMode(), ProjectViewMode::epics);
+    QCOMPARE(window.currentRightSide(), static_cast<QWidget*>(window.pane()));
+    QVERIFY(window.pane()->view(ProjectViewMode::epics)->isVisibleTo(window.pane()));
+    QVERIFY(window.commands()->deleteProject(beta));
+  }
+  // A remembered project that is gone opens on no project.
+  MainWindow window(*f.context);
+  QVERIFY(!window.selectedProject());
+  QCOMPARE(window.windowTitle(), QString("Orvane"));
+}
+
+void MainWindowTest::renamesProjectFromListAndMenuAsOneUndoStep() {
+  AppFixture f;
+  const Uuid web = f.board().createProject("Web", std::nullopt, f.clock).id;
+  f.board().createProject("Shop", std::nullopt, f.clock);
+  MainWindow window(*f.context);
+  window.show();
+
+  // The list's context menu selects the project under the pointer and
+  // offers the rename.
+  ProjectSidebar* list = window.sidebar();
+  const int row = list->item(0)->text() == "Web" ? 0 : 1;
+  emit list->customContextMenuRequested(list->visualItemRect(list->item(row)).center());
+  auto* menu = list->findChild<QMenu*>("projectMenu");
+  QVERIFY(menu != nullptr);
+  QCOMPARE(window.selectedProject(), std::optional<Uuid>(web));
+  QAction* fromList = nullptr;
+  for (QAction* action : menu->actions())
+    if (action->text() == "Rename project…") fromList = action;
+  QVERIFY(fromList != nullptr);
+  fromList->trigger();
+  menu->close();
+  auto* sheet = window.findChild<RenameProjectDialog*>();
+  QVERIFY(sheet != nullptr);
+  QCOMPARE(sheet->nameField()->text(), QString("Web"));
+  QCOMPARE(sheet->findChild<QLabel*>("projectKey")->text(), QString("WEB"));
+
+  // Refusals stay in the sheet, where the name is typed.
+  struct Refusal {
+    const char* typed;
+    const char* sentence;
+  };
+  for (const Refusal& refusal :
+       {Refusal{"  ", "A name, title or comment cannot be empty."}, Refusal{" shop ", "\"shop\" is already in use."}}) {
+    sheet->nameField()->setText(refusal.typed);
+    sheet->rename();
+    QCOMPARE(sheet->problem(), QString(refusal.sentence));
+    QVERIFY(sheet->isVisible());
+  }
+  QVERIFY(!f.context->undoHistory().canUndo());
+
+  sheet->nameField()->setText(" Website relaunch ");
+  sheet->rename();
+  QCOMPARE(sheet->result(), int(QDialog::Accepted));
+  QCOMPARE(f.snapshot(web).project.name, std::string("Website relaunch"));
+  QCOMPARE(window.windowTitle(), QString("Orvane — Website relaunch — Board"));
+  QCOMPARE(window.selectedProject(), std::optional<Uuid>(web));
+
+  QAction* undo = actionStartingWith(window, "Undo");
+  QCOMPARE(undo->text(), QString("Undo Rename project"));
+  undo->trigger();
+  QCOMPARE(f.snapshot(web).project.name, std::string("Web"));
+  QCOMPARE(window.windowTitle(), QString("Orvane — Web — Board"));
+  QVERIFY(!f.context->undoHistory().canUndo());
+
+  // The Project menu offers the same sheet for the selected project.
+  QAction* fromMenu = actionStartingWith(*window.menuBar(), "Rename project…");
+  QVERIFY(fromMenu != nullptr && fromMenu->isEnabled());
+  delete sheet;
+  fromMenu->trigger();
+  QVERIFY(window.findChild<RenameProjectDialog*>() != nullptr);
+  window.selectProject(std::nullopt);
+  QVERIFY(!fromMenu->isEnabled());
+}
+
+void MainWindowTest::ticketMenuActsOnTheBoardSelection() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Web", std::nullopt, f.clock).id;
+  const Uuid ticket = f.board().createTicket(project, NewTicket{.title = "A"}, f.clock).id;
+  MainWindow window(*f.context);
+  window.selectProject(project);
+  window.show();
+  window.pane()->boardView()->selectTickets({ticket});
+  auto* menu = window.menuBar()->findChild<QMenu*>("ticketMenu");
+  QVERIFY(menu != nullptr);
+  auto entryOf = [menu](const QString& text) -> QAction* {
+    for (QAction* action : menu->actions())
+      if (action->text() == text) return action;
+    return nullptr;
+  };
+
+  emit menu->aboutToShow();
+  QVERIFY(entryOf("Move to next column") != nullptr && entryOf("Move to next column")->isEnabled());
+  QVERIFY(!entryOf("Move to previous column")->isEnabled());
+  entryOf("Move to next column")->trigger();
+  QCOMPARE(f.snapshot(project).ticket(ticket)->columnId, std::optional<Uuid>(f.snapshot(project).columns[1].id));
+  QCOMPARE(actionStartingWith(window, "Undo")->text(), QString("Undo Move ticket"));
+
+  // Other views have no cards to act on.
+  window.setViewMode(ProjectViewMode::list);
+  emit menu->aboutToShow();
+  for (QAction* action : menu->actions()) QVERIFY(!action->isEnabled());
+  window.setViewMode(ProjectViewMode::board);
+  QVERIFY(window.pane()->boardView()->cardActions()->archiveAction()->isEnabled());
 }
 
 QTEST_MAIN(MainWindowTest)
