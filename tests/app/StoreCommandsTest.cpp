@@ -75,6 +75,13 @@ void StoreCommandsTest::refusedRestoreShowsTheReasonAndAddsNothing() {
 
   QVERIFY(!window.commands()->restoreFile(f.t.dir.path() / "missing.json"));
   QCOMPARE(f.board().projects().size(), std::size_t(1));
+
+  // The same sentence the CLI gives.
+  qDeleteAll(window.findChildren<QMessageBox*>("alert"));
+  QVERIFY(!window.commands()->restoreFile(f.t.dir.path()));
+  QCOMPARE(window.findChild<QMessageBox*>("alert")->text(),
+           "The backup could not be read: " + QString::fromStdString(f.t.dir.path().string()) +
+               ". It is a folder, not a file.");
 }
 
 void StoreCommandsTest::restoreMessageCountsSkippedProblems() {
