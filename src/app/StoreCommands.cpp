@@ -136,10 +136,7 @@ std::optional<QString> StoreCommands::restoreFile(const std::filesystem::path& p
   }
   Backup::Report report;
   if (!context_.perform(
-          QStringLiteral("Restore from backup"),
-          [&](BoardService& board) {
-            report = board.restoreBackup(bytes);
-          },
+          QStringLiteral("Restore from backup"), [&](BoardService& board) { report = board.restoreBackup(bytes); },
           window_)) {
     return std::nullopt;
   }

@@ -95,7 +95,8 @@ TEST_F(ExchangeCommands, RefusesUnreadableFilesWithoutWriting) {
       {file("text.xlsx", "title\nx\n"), ""},  // the workbook reader's own sentence
       {(dir.path() / "missing.csv").string(),
        "The file could not be read: " + (dir.path() / "missing.csv").string() + ". There is no such file.\n"},
-      {folder("d.csv"), "The file could not be read: " + (dir.path() / "d.csv").string() + ". It is a folder, not a file.\n"},
+      {folder("d.csv"),
+       "The file could not be read: " + (dir.path() / "d.csv").string() + ". It is a folder, not a file.\n"},
       {link("zero.csv", "/dev/zero"),
        "The file could not be read: " + (dir.path() / "zero.csv").string() + ". It is not a regular file.\n"},
       {file("tickets.txt", "title\n"),
