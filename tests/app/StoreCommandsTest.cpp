@@ -38,6 +38,9 @@ void StoreCommandsTest::restoreAddsProjectsAndChangesNone() {
   const std::filesystem::path file = source.t.dir.path() / "backup.json";
   QWidget parent;
   QVERIFY(StoreCommands(*source.context, &parent).writeBackup(file));
+  // It holds people's addresses: readable by its owner only.
+  QCOMPARE(std::filesystem::status(file).permissions(),
+           std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 
   AppFixture f;
   const Uuid mine = f.board().createProject("Shop", std::nullopt, f.clock).id;
