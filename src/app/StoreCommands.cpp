@@ -1,16 +1,17 @@
 #include "app/StoreCommands.h"
 
-#include <QFile>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include "app/Alert.h"
 #include "app/AppContext.h"
 #include "app/NewProjectDialog.h"
 #include "app/UndoHistory.h"
+#include "core/files/FileError.h"
+#include "core/files/FileReader.h"
+#include "core/files/FileWriter.h"
 #include "engine/LocalCivilDate.h"
 
 namespace orvane::app {
@@ -128,31 +129,26 @@ bool StoreCommands::writeBackup(const std::filesystem::path& path) {
     showAlert(window_, QString::fromStdString(error.what()));
     return false;
   }
-  // Written beside the target and renamed over it at the end, so a failed
-  // write never leaves half a backup under the chosen name.
-  QSaveFile file(QString::fromStdString(path.string()));
-  if (!file.open(QIODevice::WriteOnly) ||
-      file.write(document.data(), static_cast<qint64>(document.size())) != static_cast<qint64>(document.size()) ||
-      !file.commit()) {
-    showAlert(window_, QStringLiteral("The backup could not be written: ") + file.errorString());
+  try {
+    replaceFile(path, document, FileContent::backup);
+  } catch (const FileError& error) {
+    showAlert(window_, QString::fromStdString(error.what()));  // "The backup could not be written: ..."
     return false;
   }
   return true;
 }
 
 std::optional<QString> StoreCommands::restoreFile(const std::filesystem::path& path) {
-  QFile file(QString::fromStdString(path.string()));
-  if (!file.open(QIODevice::ReadOnly)) {
-    showAlert(window_, QStringLiteral("The backup could not be read: ") + file.errorString());
+  std::string bytes;
+  try {
+    bytes = readRegularFile(path, FileContent::backup);
+  } catch (const FileError& error) {
+    showAlert(window_, QString::fromStdString(error.what()));  // "The backup could not be read: ..."
     return std::nullopt;
   }
-  const QByteArray bytes = file.readAll();
   Backup::Report report;
   if (!context_.perform(
-          QStringLiteral("Restore from backup"),
-          [&](BoardService& board) {
-            report = board.restoreBackup(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
-          },
+          QStringLiteral("Restore from backup"), [&](BoardService& board) { report = board.restoreBackup(bytes); },
           window_)) {
     return std::nullopt;
   }

@@ -1,12 +1,10 @@
 #include "app/TicketExchangeCommands.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProgressDialog>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <exception>
 #include <memory>
@@ -18,6 +16,9 @@
 #include "app/UndoHistory.h"
 #include "core/exchange/TicketCsv.h"
 #include "core/exchange/TicketXlsx.h"
+#include "core/files/FileError.h"
+#include "core/files/FileReader.h"
+#include "core/files/FileWriter.h"
 #include "engine/CivilDate.h"
 
 namespace orvane::app {
@@ -66,11 +67,10 @@ bool hasSuffix(const std::filesystem::path& path, const char* suffix) {
 // Writes beside the target and renames over it at the end, so a failed
 // write never leaves half a file under the chosen name.
 bool writeWhole(QWidget* window, const std::filesystem::path& path, const std::string& bytes) {
-  QSaveFile file(QString::fromStdString(path.string()));
-  if (!file.open(QIODevice::WriteOnly) ||
-      file.write(bytes.data(), static_cast<qint64>(bytes.size())) != static_cast<qint64>(bytes.size()) ||
-      !file.commit()) {
-    showAlert(window, QStringLiteral("The file could not be written: ") + file.errorString());
+  try {
+    replaceFile(path, bytes, FileContent::tickets);
+  } catch (const FileError& error) {
+    showAlert(window, QString::fromStdString(error.what()));  // "The file could not be written: ..."
     return false;
   }
   return true;
@@ -92,13 +92,14 @@ void TicketExchangeCommands::importTickets(const Uuid& project) {
 
 ImportDialog* TicketExchangeCommands::openImportFile(const Uuid& project, const std::filesystem::path& path) {
   const QString name = QString::fromStdString(path.string());
-  QFile file(name);
-  if (!file.open(QIODevice::ReadOnly)) {
-    showAlert(window_, QStringLiteral("The file could not be read: ") + file.errorString());
+  std::string bytes;
+  try {
+    bytes = readRegularFile(path, FileContent::tickets);
+  } catch (const FileError& error) {
+    showAlert(window_, QString::fromStdString(error.what()));  // "The file could not be read: ..."
     return nullptr;
   }
-  const QByteArray bytes = file.readAll();
-  const std::string_view view(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+  const std::string_view view = bytes;
   // A workbook is recognised by its name or by the ZIP signature every
   // workbook starts with (no text file does); anything else is read as
   // delimited text.

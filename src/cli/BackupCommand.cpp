@@ -1,17 +1,6 @@
 #include "cli/BackupCommand.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "cli/CliError.h"
 #include "cli/FileAccess.h"
@@ -69,7 +58,7 @@ int runBackup(std::span<const std::string> args, const CommandContext& context) 
     context.out << document << '\n';
     return exitOk;
   }
-  writeAtomically(path, document);
+  writeAtomically(path, document, FileContent::backup);
   Database& db = context.store.store().db();
   context.out << "Backed up " << counted(db.scalarInt("SELECT count(*) FROM projects"), "project") << " with "
               << counted(db.scalarInt("SELECT count(*) FROM tickets"), "ticket") << ", and "
@@ -85,7 +74,7 @@ int runRestore(std::span<const std::string> args, const CommandContext& context)
   }
   expectPositionals(parsed, {"FILE"}, "restore");
   const std::string& path = parsed.positionals()[0];
-  const std::string bytes = readFile(path, context.in);
+  const std::string bytes = readFile(path, context.in, FileContent::backup);
   Backup::Report report;
   try {
     report = context.store.service().restoreBackup(bytes);

@@ -123,7 +123,8 @@ int runExport(std::span<const std::string> args, const CommandContext& context) 
   const std::string& path = parsed.positionals()[1];
   const FileKind kind = kindOf(path);
   const ProjectSnapshot snapshot = loadProject(context.store.service(), parsed.positionals()[0]);
-  writeAtomically(path, kind == FileKind::csv ? TicketCSV::exportText(snapshot) : TicketXlsx::exportWorkbook(snapshot));
+  writeAtomically(path, kind == FileKind::csv ? TicketCSV::exportText(snapshot) : TicketXlsx::exportWorkbook(snapshot),
+                  FileContent::tickets);
   context.out << "Exported " << counted(static_cast<std::int64_t>(snapshot.tickets.size()), "ticket") << " of "
               << snapshot.project.name << " to " << path << ".\n";
   return exitOk;
@@ -144,7 +145,7 @@ int runImport(std::span<const std::string> args, const CommandContext& context) 
   // be read at all is refused with its sentence and changes nothing.
   ParsedImport rows;
   try {
-    const std::string bytes = readFile(path, context.in);
+    const std::string bytes = readFile(path, context.in, FileContent::tickets);
     rows = TicketCSV::parse(kind == FileKind::csv ? bytes : TicketXlsx::csv(bytes));
   } catch (const TicketCSVError& error) {
     throw CliError(error.what());
@@ -199,7 +200,7 @@ int runTemplate(std::span<const std::string> args, const CommandContext& context
   expectPositionals(parsed, {"FILE"}, "template");
   const std::string& path = parsed.positionals()[0];
   if (kindOf(path) != FileKind::xlsx) throw CliError("The template is a workbook; name it FILE.xlsx.");
-  writeAtomically(path, TicketXlsx::importTemplate());
+  writeAtomically(path, TicketXlsx::importTemplate(), FileContent::tickets);
   context.out << "Wrote the import template to " << path << ".\n";
   return exitOk;
 }

@@ -4,15 +4,18 @@
 #include <string>
 #include <string_view>
 
+#include "core/files/FileContent.h"
+
 namespace orvane::cli {
 
-// The whole file as bytes; "-" reads `standardInput`. Throws CliError
-// ("The file could not be read: PATH") when it cannot be read.
-std::string readFile(const std::string& path, std::istream& standardInput);
+// The whole file as bytes; "-" reads `standardInput`. Only regular files
+// within readLimit(content) are read. Throws CliError (exit code 2) with
+// FileError's sentence ("The file could not be read: PATH. It is a folder,
+// not a file.").
+std::string readFile(const std::string& path, std::istream& standardInput, FileContent content);
 
-// Writes to a temporary file beside `path`, flushes it to disk, then renames
-// it over `path`: the folder holds the old file or the whole new one, never
-// a part of it. Throws CliError (exit code 1) naming the system's reason.
-void writeAtomically(const std::string& path, std::string_view bytes);
+// Replaces the file at `path` whole (see replaceFile). Throws CliError
+// (exit code 1) with FileError's sentence.
+void writeAtomically(const std::string& path, std::string_view bytes, FileContent content);
 
 }  // namespace orvane::cli

@@ -1,4 +1,5 @@
 #include <chrono>
+#include <csignal>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -6,6 +7,9 @@
 #include "cli/CliApp.h"
 
 int main(int argc, char** argv) {
+  // Past a file-size limit a write then fails with EFBIG, which the file
+  // writer reports, instead of the process dying without a word.
+  std::signal(SIGXFSZ, SIG_IGN);
   const std::vector<std::string> args(argv + 1, argv + argc);
   const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
   return orvane::cli::runCli(args, std::cout, std::cerr, orvane::Timestamp{sinceEpoch.count()});

@@ -154,6 +154,7 @@ void ImportDialogTest::unreadableFilesAreRefusedWithTheirSentence() {
   std::ofstream(folder / "empty.csv") << "";
   std::ofstream(folder / "notitle.csv") << "summary_text,column\nA,Backlog\n";
   std::ofstream(folder / "fake.xlsx") << "title\nA\n";
+  std::filesystem::create_directory(folder / "d.csv");
   const struct {
     const char* file;
     bool exactSentence;
@@ -163,6 +164,9 @@ void ImportDialogTest::unreadableFilesAreRefusedWithTheirSentence() {
       {"notitle.csv", true, "The first row must contain a \"title\" column."},
       {"fake.xlsx", false, {}},
       {"missing.csv", false, {}},
+      {"d.csv", true,
+       "The file could not be read: " + QString::fromStdString((folder / "d.csv").string()) +
+           ". It is a folder, not a file."},
   };
   for (const auto& c : cases) {
     QVERIFY2(commands.openImportFile(shop, folder / c.file) == nullptr, c.file);

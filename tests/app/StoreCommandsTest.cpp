@@ -38,6 +38,9 @@ void StoreCommandsTest::restoreAddsProjectsAndChangesNone() {
   const std::filesystem::path file = source.t.dir.path() / "backup.json";
   QWidget parent;
   QVERIFY(StoreCommands(*source.context, &parent).writeBackup(file));
+  // It holds people's addresses: readable by its owner only.
+  QCOMPARE(std::filesystem::status(file).permissions(),
+           std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 
   AppFixture f;
   const Uuid mine = f.board().createProject("Shop", std::nullopt, f.clock).id;
@@ -75,6 +78,13 @@ void StoreCommandsTest::refusedRestoreShowsTheReasonAndAddsNothing() {
 
   QVERIFY(!window.commands()->restoreFile(f.t.dir.path() / "missing.json"));
   QCOMPARE(f.board().projects().size(), std::size_t(1));
+
+  // The same sentence the CLI gives.
+  qDeleteAll(window.findChildren<QMessageBox*>("alert"));
+  QVERIFY(!window.commands()->restoreFile(f.t.dir.path()));
+  QCOMPARE(window.findChild<QMessageBox*>("alert")->text(),
+           "The backup could not be read: " + QString::fromStdString(f.t.dir.path().string()) +
+               ". It is a folder, not a file.");
 }
 
 void StoreCommandsTest::restoreMessageCountsSkippedProblems() {

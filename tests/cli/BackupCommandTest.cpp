@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -6,6 +7,7 @@
 #include <sstream>
 
 #include "cli/CliRun.h"
+#include "core/support/FileChecks.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
 
@@ -76,8 +78,15 @@ TEST_F(BackupCommand, refusesAFileItCannotRestoreAndChangesNothing) {
       {{"restore", "-"}, R"({"format": "csv"})", "This file is not a Orvane backup.\n"},
       {{"restore", (dir.path() / "missing.json").string()},
        "",
-       "The file could not be read: " + (dir.path() / "missing.json").string() + "\n"},
-      {{"backup", (dir.path() / "no-such-folder" / "x.json").string()}, "", ""},
+       "The backup could not be read: " + (dir.path() / "missing.json").string() + ". There is no such file.\n"},
+      {{"restore", dir.path().string()},
+       "",
+       "The backup could not be read: " + dir.path().string() + ". It is a folder, not a file.\n"},
+      {{"restore", "/dev/zero"}, "", "The backup could not be read: /dev/zero. It is not a regular file.\n"},
+      {{"backup", (dir.path() / "no-such-folder" / "x.json").string()},
+       "",
+       "The backup could not be written: " + (dir.path() / "no-such-folder" / "x.json").string() +
+           ". The folder does not exist.\n"},
   };
   for (const auto& c : cases) {
     const CliRun result = run("a.sqlite", c.args, c.input);
@@ -88,6 +97,23 @@ TEST_F(BackupCommand, refusesAFileItCannotRestoreAndChangesNothing) {
     }
     EXPECT_EQ(dump("a.sqlite"), before);
   }
+}
+
+TEST_F(BackupCommand, keepsWhoMayReadTheBackupAndWritesThroughLinks) {
+  ok("a.sqlite", {"project", "create", "Shop"});
+  const std::filesystem::path fresh = dir.path() / "fresh.json";
+  ok("a.sqlite", {"backup", fresh.string()});
+  EXPECT_EQ(orvane::testing::modeOf(fresh), 0600u);  // it holds people's addresses
+
+  const std::filesystem::path shared = dir.path() / "shared.json";
+  orvane::testing::put(shared, "old");
+  ASSERT_EQ(::chmod(shared.c_str(), 0640), 0);
+  std::filesystem::create_symlink("shared.json", dir.path() / "latest.json");
+  ok("a.sqlite", {"backup", (dir.path() / "latest.json").string()});
+  EXPECT_TRUE(std::filesystem::is_symlink(dir.path() / "latest.json"));
+  EXPECT_EQ(orvane::testing::contentOf(shared), orvane::testing::contentOf(fresh));
+  EXPECT_EQ(orvane::testing::modeOf(shared), 0640u);
+  EXPECT_TRUE(orvane::testing::hiddenNames(dir.path()).empty());
 }
 
 }  // namespace

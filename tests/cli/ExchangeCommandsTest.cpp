@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -6,6 +7,7 @@
 
 #include "cli/CliRun.h"
 #include "cli/StoreFileTest.h"
+#include "core/support/FileChecks.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
 
@@ -18,6 +20,14 @@ class ExchangeCommands : public StoreFileTest {
     const std::string path = (dir.path() / name).string();
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
+  }
+  std::string folder(const std::string& name) {
+    std::filesystem::create_directory(dir.path() / name);
+    return (dir.path() / name).string();
+  }
+  std::string link(const std::string& name, const std::string& target) {
+    std::filesystem::create_symlink(target, dir.path() / name);
+    return (dir.path() / name).string();
   }
   std::string read(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -84,7 +94,11 @@ TEST_F(ExchangeCommands, RefusesUnreadableFilesWithoutWriting) {
       {file("open.csv", "title\n\"x\n"), "The file ends inside a quoted field. A closing quote is missing.\n"},
       {file("text.xlsx", "title\nx\n"), ""},  // the workbook reader's own sentence
       {(dir.path() / "missing.csv").string(),
-       "The file could not be read: " + (dir.path() / "missing.csv").string() + "\n"},
+       "The file could not be read: " + (dir.path() / "missing.csv").string() + ". There is no such file.\n"},
+      {folder("d.csv"),
+       "The file could not be read: " + (dir.path() / "d.csv").string() + ". It is a folder, not a file.\n"},
+      {link("zero.csv", "/dev/zero"),
+       "The file could not be read: " + (dir.path() / "zero.csv").string() + ". It is not a regular file.\n"},
       {file("tickets.txt", "title\n"),
        "The file name must end in .csv or .xlsx: " + (dir.path() / "tickets.txt").string() + "\n"},
   };
@@ -111,6 +125,23 @@ TEST_F(ExchangeCommands, WritesTheTemplateAndLeavesNoTemporaryFiles) {
   for (const auto& entry : std::filesystem::directory_iterator(dir.path())) {
     EXPECT_NE(entry.path().filename().string().front(), '.') << entry.path();
   }
+}
+
+TEST_F(ExchangeCommands, ExportsKeepTheModeOfTheFileTheyReplace) {
+  ok({"project", "create", "Shop"});
+  const mode_t saved = ::umask(022);
+  const std::string fresh = (dir.path() / "fresh.csv").string();
+  ok({"export", "Shop", fresh});
+  ::umask(saved);
+  EXPECT_EQ(orvane::testing::modeOf(fresh), 0644u);
+
+  const std::string shared = file("shared.csv", "old");
+  ASSERT_EQ(::chmod(shared.c_str(), 0600), 0);
+  const std::string viaLink = link("latest.csv", "shared.csv");
+  ok({"export", "Shop", viaLink});
+  EXPECT_TRUE(std::filesystem::is_symlink(viaLink));
+  EXPECT_EQ(read(shared), read(fresh));
+  EXPECT_EQ(orvane::testing::modeOf(shared), 0600u);
 }
 
 }  // namespace
