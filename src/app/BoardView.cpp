@@ -100,7 +100,8 @@ bool BoardView::moveCard(const Uuid& ticket, const Uuid& column, int row) {
 
 void BoardView::addColumn() {
   if (!project()) return;
-  auto* dialog = new AddColumnDialog(this);
+  const auto shown = snapshot();
+  auto* dialog = new AddColumnDialog(this, shown ? shown->columns : std::vector<BoardColumn>{});
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   const Uuid projectId = *project();
   connect(dialog, &QDialog::accepted, this, [this, dialog, projectId] {
