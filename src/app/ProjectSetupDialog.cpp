@@ -135,6 +135,8 @@ QLineEdit* ProjectSetupDialog::field(const char* objectName) const {
 }
 
 void ProjectSetupDialog::save() {
+  // The sentence already stands under the field.
+  if (!save_->isEnabled()) return;
   const ProjectSetup setup{clientName_->text().toStdString(), clientCompany_->text().toStdString(),
                            clientEmail_->text().toStdString(), internalName_->text().toStdString(),
                            internalEmail_->text().toStdString()};

@@ -30,6 +30,7 @@ class ProjectSetupDialog : public QDialog {
   QPushButton* saveButton() const { return save_; }
   // The sentences shown under the address fields, client first.
   QStringList fieldProblems() const;
+  // Saves, unless an address is still refused under its field.
   void save();
 
  private:

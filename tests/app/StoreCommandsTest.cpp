@@ -170,6 +170,11 @@ void StoreCommandsTest::recipientAddressesAreCheckedAsTheyAreTyped() {
     QCOMPARE(sheet.fieldProblems(), c.problems);
     QCOMPARE(sheet.saveButton()->isEnabled(), c.problems.isEmpty());
   }
+  sheet.field("internalEmail")->setText("anna@client.example");
+  sheet.save();  // refused where it was typed: nothing stored, nothing said twice
+  QCOMPARE(f.snapshot(project).project.clientEmail, std::string());
+  QCOMPARE(sheet.errorMessage(), QString());
+  sheet.field("internalEmail")->setText("boss@us.example");
   sheet.save();
   QCOMPARE(f.snapshot(project).project.internalEmail, std::string("boss@us.example"));
 }
