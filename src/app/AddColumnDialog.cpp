@@ -6,26 +6,30 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QVBoxLayout>
+
+#include "app/FieldProblem.h"
+#include "app/NameCheck.h"
+#include "app/WipLimitField.h"
 
 namespace orvane::app {
 
-AddColumnDialog::AddColumnDialog(QWidget* parent) : QDialog(parent, Qt::Sheet) {
+AddColumnDialog::AddColumnDialog(QWidget* parent, std::vector<BoardColumn> columns)
+    : QDialog(parent, Qt::Sheet), columns_(std::move(columns)) {
+  setObjectName(QStringLiteral("addColumnDialog"));
   setWindowTitle(QStringLiteral("Add column"));
   setWindowModality(Qt::WindowModal);
   name_ = new QLineEdit(this);
+  name_->setObjectName(QStringLiteral("columnName"));
   name_->setPlaceholderText(QStringLiteral("Column name"));
+  nameProblem_ = new FieldProblem("columnNameProblem", this);
   type_ = new QComboBox(this);
   for (ColumnType type : {ColumnType::backlog, ColumnType::inProgress, ColumnType::done}) {
     const std::string_view label = formLabel(type);
     type_->addItem(QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())), static_cast<int>(type));
   }
   type_->setCurrentIndex(1);
-  // 0 stands for "no limit": the service wants an absent limit, never 0.
-  limit_ = new QSpinBox(this);
-  limit_->setRange(0, 999);
-  limit_->setSpecialValueText(QStringLiteral("No limit"));
+  limit_ = new WipLimitField(this);
 
   auto* explanation = new QLabel(
       QStringLiteral("The type decides what a move into this column means for started and completed dates, so it "
@@ -33,29 +37,44 @@ AddColumnDialog::AddColumnDialog(QWidget* parent) : QDialog(parent, Qt::Sheet) {
       this);
   explanation->setWordWrap(true);
 
+  auto* nameColumn = new QVBoxLayout;
+  nameColumn->setContentsMargins(0, 0, 0, 0);
+  nameColumn->addWidget(name_);
+  nameColumn->addWidget(nameProblem_);
   auto* form = new QFormLayout;
-  form->addRow(QStringLiteral("Name"), name_);
+  form->addRow(QStringLiteral("Name"), nameColumn);
   form->addRow(QStringLiteral("Type"), type_);
   form->addRow(QString(), explanation);
   form->addRow(QStringLiteral("WIP limit"), limit_);
 
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-  buttons->addButton(QStringLiteral("Add column"), QDialogButtonBox::AcceptRole)->setDefault(true);
+  add_ = buttons->addButton(QStringLiteral("Add column"), QDialogButtonBox::AcceptRole);
+  add_->setObjectName(QStringLiteral("addColumn"));
+  add_->setDefault(true);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(name_, &QLineEdit::textChanged, this, &AddColumnDialog::check);
+  connect(limit_, &WipLimitField::acceptableChanged, this, &AddColumnDialog::check);
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(form);
   layout->addWidget(buttons);
   setMinimumWidth(420);
+  check();
 }
 
 QString AddColumnDialog::name() const { return name_->text(); }
 
 ColumnType AddColumnDialog::type() const { return static_cast<ColumnType>(type_->currentData().toInt()); }
 
-std::optional<std::int64_t> AddColumnDialog::wipLimit() const {
-  if (limit_->value() == 0) return std::nullopt;
-  return limit_->value();
+std::optional<std::int64_t> AddColumnDialog::wipLimit() const { return limit_->limit(); }
+
+QString AddColumnDialog::nameProblem() const { return nameProblem_->sentence(); }
+
+void AddColumnDialog::check() {
+  const QString problem = app::nameProblem(name_->text(), columns_, NameErrors::board);
+  // An untouched empty name is not ready yet rather than wrong.
+  nameProblem_->say(name_->text().isEmpty() ? QString() : problem);
+  add_->setEnabled(problem.isEmpty() && limit_->isAcceptable());
 }
 
 }  // namespace orvane::app

@@ -12,6 +12,7 @@
 #include "app/AppContext.h"
 #include "app/BoardColumnModel.h"
 #include "app/CardDelegate.h"
+#include "app/WipLimitDialog.h"
 
 namespace orvane::app {
 
@@ -151,15 +152,14 @@ void BoardColumnWidget::rename() {
 }
 
 void BoardColumnWidget::editLimit() {
-  bool ok = false;
-  const int limit =
-      QInputDialog::getInt(this, QStringLiteral("WIP limit"), QStringLiteral("Work-in-progress limit (0 for no limit)"),
-                           static_cast<int>(column_.wipLimit.value_or(0)), 0, 999, 1, &ok);
-  if (!ok) return;
-  const Uuid id = column_.id;
-  const std::optional<std::int64_t> value = limit == 0 ? std::nullopt : std::optional<std::int64_t>(limit);
-  context_.perform(
-      QStringLiteral("Change WIP limit"), [&](BoardService& board) { board.setWIPLimit(id, value); }, this);
+  auto* dialog = new WipLimitDialog(QString::fromStdString(column_.name), column_.wipLimit, this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  connect(dialog, &QDialog::accepted, this, [this, dialog, id = column_.id] {
+    const std::optional<std::int64_t> limit = dialog->limit();
+    context_.perform(
+        QStringLiteral("Change WIP limit"), [&](BoardService& board) { board.setWIPLimit(id, limit); }, this);
+  });
+  dialog->open();
 }
 
 void BoardColumnWidget::moveBy(int offset) {

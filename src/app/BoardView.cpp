@@ -240,7 +240,8 @@ bool BoardView::moveCards(const std::vector<Uuid>& tickets, const Uuid& column, 
 
 void BoardView::addColumn() {
   if (!project()) return;
-  auto* dialog = new AddColumnDialog(this);
+  const auto shown = snapshot();
+  auto* dialog = new AddColumnDialog(this, shown ? shown->columns : std::vector<BoardColumn>{});
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   const Uuid projectId = *project();
   connect(dialog, &QDialog::accepted, this, [this, dialog, projectId] {

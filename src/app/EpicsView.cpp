@@ -56,6 +56,7 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   epics_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   epics_->header()->setSectionResizeMode(epicName, QHeaderView::Stretch);
   connect(epics_, &QTreeWidget::currentItemChanged, this, &EpicsView::fillDependencies);
+  connect(epics_, &QTreeWidget::currentItemChanged, this, &EpicsView::updateButtons);
   connect(epics_, &QTreeWidget::itemActivated, this, &EpicsView::editEpic);
   empty_ = new QLabel(
       QStringLiteral("No epics yet. An epic groups tickets; give it a due date to make it a milestone."), this);
@@ -63,11 +64,11 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   empty_->setWordWrap(true);
 
   auto* newButton = button(QStringLiteral("New epic…"), "newEpic", this);
-  auto* editButton = button(QStringLiteral("Edit…"), "editEpic", this);
-  auto* deleteButton = button(QStringLiteral("Delete epic"), "deleteEpic", this);
+  editEpic_ = button(QStringLiteral("Edit…"), "editEpic", this);
+  deleteEpic_ = button(QStringLiteral("Delete epic"), "deleteEpic", this);
   connect(newButton, &QPushButton::clicked, this, &EpicsView::newEpic);
-  connect(editButton, &QPushButton::clicked, this, &EpicsView::editEpic);
-  connect(deleteButton, &QPushButton::clicked, this, &EpicsView::deleteEpic);
+  connect(editEpic_, &QPushButton::clicked, this, &EpicsView::editEpic);
+  connect(deleteEpic_, &QPushButton::clicked, this, &EpicsView::deleteEpic);
 
   auto* dependencyBox = new QGroupBox(QStringLiteral("Dependencies of the selected epic"), this);
   dependencies_ = new QTreeWidget(dependencyBox);
@@ -75,19 +76,20 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   dependencies_->setRootIsDecorated(false);
   dependencies_->setHeaderLabels({QStringLiteral("Waits for")});
   dependencies_->setMaximumHeight(110);
+  connect(dependencies_, &QTreeWidget::currentItemChanged, this, &EpicsView::updateButtons);
   predecessor_ = new QComboBox(dependencyBox);
   predecessor_->setObjectName(QStringLiteral("predecessor"));
-  auto* addDependencyButton = button(QStringLiteral("Add"), "addDependency", dependencyBox);
-  auto* removeDependencyButton = button(QStringLiteral("Remove"), "removeDependency", dependencyBox);
-  connect(addDependencyButton, &QPushButton::clicked, this, &EpicsView::addDependency);
-  connect(removeDependencyButton, &QPushButton::clicked, this, &EpicsView::removeDependency);
+  addDependency_ = button(QStringLiteral("Add"), "addDependency", dependencyBox);
+  removeDependency_ = button(QStringLiteral("Remove"), "removeDependency", dependencyBox);
+  connect(addDependency_, &QPushButton::clicked, this, &EpicsView::addDependency);
+  connect(removeDependency_, &QPushButton::clicked, this, &EpicsView::removeDependency);
   auto* dependencyLayout = new QVBoxLayout(dependencyBox);
   dependencyLayout->addWidget(dependencies_, 1);
   auto* adding = new QHBoxLayout;
   adding->addWidget(new QLabel(QStringLiteral("Waits for"), dependencyBox));
   adding->addWidget(predecessor_, 1);
-  adding->addWidget(addDependencyButton);
-  adding->addWidget(removeDependencyButton);
+  adding->addWidget(addDependency_);
+  adding->addWidget(removeDependency_);
   dependencyLayout->addLayout(adding);
 
   auto* milestoneBox = new QGroupBox(QStringLiteral("Milestones"), this);
@@ -100,6 +102,7 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   milestones_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   milestones_->header()->setSectionResizeMode(milestoneName, QHeaderView::Stretch);
   connect(milestones_, &QTreeWidget::itemActivated, this, &EpicsView::editMilestone);
+  connect(milestones_, &QTreeWidget::currentItemChanged, this, &EpicsView::updateButtons);
   connect(milestones_, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) {
     if (column != milestoneDone) return;
     const std::optional<Uuid> id = idFrom(item->data(0, idRole));
@@ -110,18 +113,18 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
         [&](BoardService& s) { s.setMilestone(*id, done, context_.now()); }, this);
   });
   auto* newMilestoneButton = button(QStringLiteral("New milestone…"), "newMilestone", milestoneBox);
-  auto* editMilestoneButton = button(QStringLiteral("Edit…"), "editMilestone", milestoneBox);
-  auto* deleteMilestoneButton = button(QStringLiteral("Delete milestone"), "deleteMilestone", milestoneBox);
+  editMilestone_ = button(QStringLiteral("Edit…"), "editMilestone", milestoneBox);
+  deleteMilestone_ = button(QStringLiteral("Delete milestone"), "deleteMilestone", milestoneBox);
   connect(newMilestoneButton, &QPushButton::clicked, this, &EpicsView::newMilestone);
-  connect(editMilestoneButton, &QPushButton::clicked, this, &EpicsView::editMilestone);
-  connect(deleteMilestoneButton, &QPushButton::clicked, this, &EpicsView::deleteMilestone);
+  connect(editMilestone_, &QPushButton::clicked, this, &EpicsView::editMilestone);
+  connect(deleteMilestone_, &QPushButton::clicked, this, &EpicsView::deleteMilestone);
   auto* milestoneLayout = new QVBoxLayout(milestoneBox);
   milestoneLayout->addWidget(milestones_, 1);
   auto* milestoneButtons = new QHBoxLayout;
   milestoneButtons->addWidget(newMilestoneButton);
-  milestoneButtons->addWidget(editMilestoneButton);
+  milestoneButtons->addWidget(editMilestone_);
   milestoneButtons->addStretch(1);
-  milestoneButtons->addWidget(deleteMilestoneButton);
+  milestoneButtons->addWidget(deleteMilestone_);
   milestoneLayout->addLayout(milestoneButtons);
 
   auto* top = new QWidget(this);
@@ -129,9 +132,9 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   topLayout->setContentsMargins(0, 0, 0, 0);
   auto* epicButtons = new QHBoxLayout;
   epicButtons->addWidget(newButton);
-  epicButtons->addWidget(editButton);
+  epicButtons->addWidget(editEpic_);
   epicButtons->addStretch(1);
-  epicButtons->addWidget(deleteButton);
+  epicButtons->addWidget(deleteEpic_);
   topLayout->addLayout(epicButtons);
   topLayout->addWidget(empty_);
   topLayout->addWidget(epics_, 1);
@@ -144,6 +147,7 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   splitter->setStretchFactor(1, 2);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(splitter);
+  updateButtons();
 }
 
 std::optional<Uuid> EpicsView::selectedEpic() const { return currentId(epics_); }
@@ -169,7 +173,9 @@ void EpicsView::reload() {
   }
   setEnabled(shown_ != nullptr);
   if (!shown_) {
+    empty_->hide();
     fillDependencies();
+    updateButtons();
     return;
   }
   const ProjectSnapshot& s = *shown_;
@@ -226,13 +232,30 @@ void EpicsView::reload() {
     item->setCheckState(milestoneDone, milestone.isDone() ? Qt::Checked : Qt::Unchecked);
     if (selectedMilestoneId == milestone.id) milestones_->setCurrentItem(item);
   }
+  updateButtons();
+}
+
+void EpicsView::updateButtons() {
+  const bool epic = selectedEpic().has_value();
+  editEpic_->setEnabled(epic);
+  deleteEpic_->setEnabled(epic);
+  // Only another epic can be waited for.
+  addDependency_->setEnabled(epic && predecessor_->count() > 0);
+  predecessor_->setEnabled(addDependency_->isEnabled());
+  removeDependency_->setEnabled(currentId(dependencies_).has_value());
+  const bool milestone = selectedMilestone().has_value();
+  editMilestone_->setEnabled(milestone);
+  deleteMilestone_->setEnabled(milestone);
 }
 
 void EpicsView::fillDependencies() {
   dependencies_->clear();
   predecessor_->clear();
   const std::optional<Uuid> epic = selectedEpic();
-  if (!shown_ || !epic) return;
+  if (!shown_ || !epic) {
+    updateButtons();
+    return;
+  }
   const ProjectSnapshot& s = *shown_;
   for (const EpicDependency& dependency : s.epicDependencies) {
     if (dependency.successorId != *epic) continue;
@@ -246,13 +269,14 @@ void EpicsView::fillDependencies() {
   // with its own sentence.
   for (const Epic& other : s.epics)
     if (other.id != *epic) predecessor_->addItem(qText(other.name), idData(other.id));
+  updateButtons();
 }
 
 void EpicsView::newEpic() {
   if (!project()) return;
   const Uuid projectId = *project();
   auto* dialog = new EpicDialog(
-      context_.calendar(), std::nullopt,
+      context_.calendar(), shown_ ? shown_->epics : std::vector<Epic>{}, std::nullopt,
       [this, projectId](const EpicDialog::Values& v, QWidget* alertParent) {
         // One step: the epic is created and given the rest of its fields.
         return context_.perform(
@@ -275,7 +299,7 @@ void EpicsView::editEpic() {
   const Epic* epic = shown_->epic(*id);
   if (!epic) return;
   auto* dialog = new EpicDialog(
-      context_.calendar(), *epic,
+      context_.calendar(), shown_->epics, *epic,
       [this, id = *id](const EpicDialog::Values& v, QWidget* alertParent) {
         return context_.perform(
             QStringLiteral("Edit epic"),

@@ -6,6 +6,7 @@
 
 class QComboBox;
 class QLabel;
+class QPushButton;
 class QTreeWidget;
 
 namespace orvane::app {
@@ -13,7 +14,8 @@ namespace orvane::app {
 // The project's epics with their progress, dates and status, what each one
 // waits for, and the milestones. Progress and status come from the report
 // rules (the same numbers the reports print); every change goes through the
-// service as one undoable step, its refusals shown as they stand.
+// service as one undoable step, its refusals shown as they stand. A button
+// that needs a selection is offered only while there is one.
 class EpicsView : public ProjectViewBase {
   Q_OBJECT
 
@@ -40,6 +42,7 @@ class EpicsView : public ProjectViewBase {
 
  private:
   void fillDependencies();
+  void updateButtons();
   std::optional<Uuid> selectedMilestone() const;
 
   std::shared_ptr<const ProjectSnapshot> shown_;
@@ -48,6 +51,12 @@ class EpicsView : public ProjectViewBase {
   QComboBox* predecessor_ = nullptr;
   QTreeWidget* milestones_ = nullptr;
   QLabel* empty_ = nullptr;
+  QPushButton* editEpic_ = nullptr;
+  QPushButton* deleteEpic_ = nullptr;
+  QPushButton* addDependency_ = nullptr;
+  QPushButton* removeDependency_ = nullptr;
+  QPushButton* editMilestone_ = nullptr;
+  QPushButton* deleteMilestone_ = nullptr;
 };
 
 }  // namespace orvane::app

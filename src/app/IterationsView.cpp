@@ -91,8 +91,9 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   connect(tickets_, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
     if (const auto id = idFrom(item->data(0, idRole))) emit openTicketRequested(*id);
   });
-  auto* takeOut = button(QStringLiteral("Take out of the iteration"), "takeTicketOut", this);
-  connect(takeOut, &QPushButton::clicked, this, &IterationsView::takeTicketOut);
+  connect(tickets_, &QTreeWidget::currentItemChanged, this, &IterationsView::updateButtons);
+  takeOut_ = button(QStringLiteral("Take out of the iteration"), "takeTicketOut", this);
+  connect(takeOut_, &QPushButton::clicked, this, &IterationsView::takeTicketOut);
   candidates_ = new QComboBox(this);
   candidates_->setObjectName(QStringLiteral("candidates"));
   add_ = button(QStringLiteral("Add to the iteration"), "addTicket", this);
@@ -118,7 +119,7 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   ticketButtons->addWidget(candidates_, 1);
   ticketButtons->addWidget(add_);
   ticketButtons->addStretch(1);
-  ticketButtons->addWidget(takeOut);
+  ticketButtons->addWidget(takeOut_);
   bottomLayout->addLayout(ticketButtons);
 
   auto* splitter = new QSplitter(Qt::Vertical, this);
@@ -126,6 +127,7 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   splitter->addWidget(bottom);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(splitter);
+  updateButtons();
 }
 
 std::optional<Uuid> IterationsView::selectedIteration() const { return currentId(iterations_); }
@@ -178,8 +180,11 @@ void IterationsView::reload() {
       }
     }
   }
-  if (!shown_ || shown_->iterations.empty())
-    notice_->setText(shown_ ? QStringLiteral("No iterations yet. Plan one with New iteration.") : QString());
+  // Whatever was said before was about the store as it was, or about
+  // another project: start and close put their report back after this.
+  notice_->setText(shown_ && shown_->iterations.empty()
+                       ? QStringLiteral("No iterations yet. Plan one with New iteration.")
+                       : QString());
   fillTickets();
   updateButtons();
 }
@@ -231,13 +236,14 @@ void IterationsView::updateButtons() {
   delete_->setEnabled(current.has_value());
   add_->setEnabled(current && current != IterationState::closed && candidates_->count() > 0);
   candidates_->setEnabled(add_->isEnabled());
+  takeOut_->setEnabled(tickets_->currentItem() != nullptr);
 }
 
 void IterationsView::newIteration() {
   if (!project()) return;
   const Uuid projectId = *project();
   auto* dialog = new IterationDialog(
-      context_.calendar(), std::nullopt, context_.now(),
+      context_.calendar(), shown_ ? shown_->iterations : std::vector<Iteration>{}, std::nullopt, context_.now(),
       [this, projectId](const IterationDialog::Values& v, QWidget* alertParent) {
         return context_.perform(
             QStringLiteral("New iteration"),
@@ -254,7 +260,7 @@ void IterationsView::editIteration() {
   const Iteration* iteration = shown_ && id ? shown_->iteration(*id) : nullptr;
   if (!iteration || iteration->state() == IterationState::closed) return;
   auto* dialog = new IterationDialog(
-      context_.calendar(), *iteration, iteration->startDate,
+      context_.calendar(), shown_->iterations, *iteration, iteration->startDate,
       [this, id = *id](const IterationDialog::Values& v, QWidget* alertParent) {
         return context_.perform(
             QStringLiteral("Edit iteration"),

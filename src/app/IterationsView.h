@@ -15,7 +15,8 @@ namespace orvane::app {
 // (committed at the start, finished and carried over at the close), and the
 // tickets of the selected one. Start and close follow the iteration rules of
 // the service; a close asks where the open tickets go and then reports what
-// it did.
+// it did. That report stands until the next change to the store or the
+// next project; the empty-state text follows the project shown.
 class IterationsView : public ProjectViewBase {
   Q_OBJECT
 
@@ -58,6 +59,7 @@ class IterationsView : public ProjectViewBase {
   QPushButton* delete_ = nullptr;
   QComboBox* candidates_ = nullptr;
   QPushButton* add_ = nullptr;
+  QPushButton* takeOut_ = nullptr;
 };
 
 }  // namespace orvane::app

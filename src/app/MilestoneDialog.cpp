@@ -5,9 +5,12 @@
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 #include "app/DayField.h"
+#include "app/FieldProblem.h"
 #include "app/ItemIds.h"
+#include "core/board/ServiceRules.h"
 
 namespace orvane::app {
 
@@ -35,15 +38,31 @@ MilestoneDialog::MilestoneDialog(const icu::Calendar& calendar, const std::vecto
     details_->setPlainText(qText(milestone->details));
   }
 
+  nameProblem_ = new FieldProblem("nameProblem", this);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
+  saveButton_ = buttons->button(QDialogButtonBox::Save);
+  saveButton_->setObjectName(QStringLiteral("save"));
   connect(buttons, &QDialogButtonBox::accepted, this, &MilestoneDialog::submit);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  connect(name_, &QLineEdit::textChanged, this, &MilestoneDialog::check);
   auto* form = new QFormLayout(this);
-  form->addRow(QStringLiteral("Name"), name_);
+  form->addRow(QStringLiteral("Name"), withProblem(name_, nameProblem_, this));
   form->addRow(QStringLiteral("Date"), date_);
   form->addRow(QStringLiteral("Epic"), epic_);
   form->addRow(QStringLiteral("Details"), details_);
   form->addRow(buttons);
+  check();
+}
+
+void MilestoneDialog::check() {
+  QString problem;
+  try {
+    rules::requireText(name_->text().toStdString(), PMError(PMError::Case::emptyText));
+  } catch (const PMError& refusal) {
+    problem = QString::fromUtf8(refusal.what());
+  }
+  nameProblem_->say(name_->text().isEmpty() ? QString() : problem);
+  saveButton_->setEnabled(problem.isEmpty());
 }
 
 MilestoneDialog::Values MilestoneDialog::values() const {
@@ -52,6 +71,7 @@ MilestoneDialog::Values MilestoneDialog::values() const {
 }
 
 void MilestoneDialog::submit() {
+  if (!saveButton_->isEnabled()) return;
   if (save_(values(), this)) accept();
 }
 

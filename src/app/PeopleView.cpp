@@ -13,7 +13,9 @@
 
 #include "app/AppContext.h"
 #include "app/Confirm.h"
+#include "app/FieldProblem.h"
 #include "app/ItemIds.h"
+#include "app/NameCheck.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 
@@ -42,28 +44,40 @@ PeopleView::PeopleView(AppContext& context, QWidget* parent) : QWidget(parent), 
   table_->setSelectionBehavior(QAbstractItemView::SelectRows);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
   connect(table_, &QTableWidget::itemChanged, this, &PeopleView::cellEdited);
+  connect(table_, &QTableWidget::itemSelectionChanged, this, &PeopleView::updateButtons);
 
   newName_ = new QLineEdit(this);
   newName_->setObjectName(QStringLiteral("newPerson"));
   newName_->setPlaceholderText(QStringLiteral("Name"));
-  auto* add = new QPushButton(QStringLiteral("Add person"), this);
-  add->setObjectName(QStringLiteral("addPerson"));
-  auto* remove = new QPushButton(QStringLiteral("Delete person…"), this);
-  remove->setObjectName(QStringLiteral("deletePerson"));
-  const auto addTyped = [this] { addPerson(newName_->text()); };
-  connect(add, &QPushButton::clicked, this, addTyped);
+  nameProblem_ = new FieldProblem("newPersonProblem", this);
+  add_ = new QPushButton(QStringLiteral("Add person"), this);
+  add_->setObjectName(QStringLiteral("addPerson"));
+  delete_ = new QPushButton(QStringLiteral("Delete person…"), this);
+  delete_->setObjectName(QStringLiteral("deletePerson"));
+  // The view sits in a dialog, where a push button is by default pressed by
+  // Return too: Return in the name field would add the person and then press
+  // Add again with the field just emptied. The field's own Return is the one
+  // way Return adds.
+  add_->setAutoDefault(false);
+  delete_->setAutoDefault(false);
+  const auto addTyped = [this] {
+    if (add_->isEnabled()) addPerson(newName_->text());
+  };
+  connect(add_, &QPushButton::clicked, this, addTyped);
   connect(newName_, &QLineEdit::returnPressed, this, addTyped);
-  connect(remove, &QPushButton::clicked, this, &PeopleView::deleteSelected);
+  connect(newName_, &QLineEdit::textChanged, this, &PeopleView::updateButtons);
+  connect(delete_, &QPushButton::clicked, this, &PeopleView::deleteSelected);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(intro);
   layout->addWidget(table_, 1);
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(newName_, 1);
-  buttons->addWidget(add);
+  buttons->addWidget(add_);
   buttons->addStretch(1);
-  buttons->addWidget(remove);
+  buttons->addWidget(delete_);
   layout->addLayout(buttons);
+  layout->addWidget(nameProblem_);
 
   connect(&context_, &AppContext::storeChanged, this, &PeopleView::reload);
   reload();
@@ -100,6 +114,17 @@ void PeopleView::reload() {
     cell(ticketsColumn, QString::number(found == counts.end() ? 0 : found->second), false);
     if (selected == person.id) table_->selectRow(row);
   }
+  updateButtons();
+}
+
+void PeopleView::updateButtons() {
+  // An untouched empty field is simply not ready; anything typed that the
+  // service would refuse (blanks, a name taken by someone else) says why.
+  const QString typed = newName_->text();
+  const QString problem = nameProblem(typed, people_, NameErrors::project);
+  nameProblem_->say(typed.isEmpty() ? QString() : problem);
+  add_->setEnabled(problem.isEmpty());
+  delete_->setEnabled(selectedPerson().has_value());
 }
 
 std::optional<Uuid> PeopleView::selectedPerson() const {

@@ -9,7 +9,10 @@
 #include <QVBoxLayout>
 
 #include "app/AppContext.h"
+#include "app/FieldProblem.h"
 #include "app/UndoHistory.h"
+#include "core/board/ClientEmail.h"
+#include "core/board/PMError.h"
 
 namespace orvane::app {
 
@@ -50,10 +53,11 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
   clientName_ = makeField(client, "clientName", current.clientName);
   clientCompany_ = makeField(client, "clientCompany", current.clientCompany);
   clientEmail_ = makeField(client, "clientEmail", current.clientEmail, QStringLiteral("name@client-company.com"));
+  clientEmailProblem_ = new FieldProblem("clientEmailProblem", client);
   auto* clientForm = new QFormLayout(client);
   clientForm->addRow(QStringLiteral("Name"), clientName_);
   clientForm->addRow(QStringLiteral("Company"), clientCompany_);
-  clientForm->addRow(QStringLiteral("E-mail"), clientEmail_);
+  clientForm->addRow(QStringLiteral("E-mail"), withProblem(clientEmail_, clientEmailProblem_, client));
   clientForm->addRow(
       makeNote(QStringLiteral("Client reports are addressed to the client and emailed to this address."), client));
 
@@ -62,9 +66,10 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
                             QStringLiteral("For example your manager, or the team"));
   internalEmail_ =
       makeField(internal, "internalEmail", current.internalEmail, QStringLiteral("manager@your-company.com"));
+  internalEmailProblem_ = new FieldProblem("internalEmailProblem", internal);
   auto* internalForm = new QFormLayout(internal);
   internalForm->addRow(QStringLiteral("Name"), internalName_);
-  internalForm->addRow(QStringLiteral("E-mail"), internalEmail_);
+  internalForm->addRow(QStringLiteral("E-mail"), withProblem(internalEmail_, internalEmailProblem_, internal));
   internalForm->addRow(makeNote(
       QStringLiteral("Internal reports show blockers, ticket titles and people. They are addressed and emailed only to "
                      "this recipient, never to the client, and it cannot be the client's address."),
@@ -77,9 +82,11 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
   error_->hide();
 
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-  QPushButton* saveButton = buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
-  saveButton->setObjectName(QStringLiteral("save"));
-  saveButton->setDefault(true);
+  save_ = buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
+  save_->setObjectName(QStringLiteral("save"));
+  save_->setDefault(true);
+  for (QLineEdit* address : {clientEmail_, internalEmail_})
+    connect(address, &QLineEdit::textChanged, this, &ProjectSetupDialog::check);
   connect(buttons, &QDialogButtonBox::accepted, this, &ProjectSetupDialog::save);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
@@ -90,6 +97,35 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
   layout->addWidget(error_);
   layout->addWidget(buttons);
   setMinimumWidth(480);
+  check();
+}
+
+QStringList ProjectSetupDialog::fieldProblems() const {
+  QStringList shown;
+  for (const FieldProblem* problem : {clientEmailProblem_, internalEmailProblem_})
+    if (!problem->sentence().isEmpty()) shown << problem->sentence();
+  return shown;
+}
+
+void ProjectSetupDialog::check() {
+  // The service's own address checks, in its order: each address must look
+  // like one, then the internal one must not be the client's.
+  const auto problemOf = [](const QLineEdit* field) {
+    const std::string address = field->text().trimmed().toStdString();
+    return address.empty() || ClientEmail::isValid(address)
+               ? QString()
+               : QString::fromUtf8(PMError(PMError::Case::invalidEmail).what());
+  };
+  const QString client = problemOf(clientEmail_);
+  QString internal = problemOf(internalEmail_);
+  const std::string clientAddress = clientEmail_->text().trimmed().toStdString();
+  const std::string internalAddress = internalEmail_->text().trimmed().toStdString();
+  if (internal.isEmpty() && !clientAddress.empty() && !internalAddress.empty() &&
+      ClientEmail::same(clientAddress, internalAddress))
+    internal = QString::fromUtf8(PMError(PMError::Case::sameAddress).what());
+  clientEmailProblem_->say(client);
+  internalEmailProblem_->say(internal);
+  save_->setEnabled(client.isEmpty() && internal.isEmpty());
 }
 
 QString ProjectSetupDialog::errorMessage() const { return error_->isHidden() ? QString() : error_->text(); }
@@ -99,6 +135,8 @@ QLineEdit* ProjectSetupDialog::field(const char* objectName) const {
 }
 
 void ProjectSetupDialog::save() {
+  // The sentence already stands under the field.
+  if (!save_->isEnabled()) return;
   const ProjectSetup setup{clientName_->text().toStdString(), clientCompany_->text().toStdString(),
                            clientEmail_->text().toStdString(), internalName_->text().toStdString(),
                            internalEmail_->text().toStdString()};

@@ -20,8 +20,9 @@ StoreCommands::StoreCommands(AppContext& context, QWidget* window)
     : QObject(window), context_(context), window_(window) {}
 
 void StoreCommands::newProject() {
-  auto* dialog = new NewProjectDialog(
-      [this](const QString& name, const QString& key) { return createProject(name, key); }, window_);
+  auto* dialog =
+      new NewProjectDialog([this](const QString& name, const QString& key) { return createProject(name, key); },
+                           window_, context_.board().projects());
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->open();
 }

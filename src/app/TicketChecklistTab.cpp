@@ -28,6 +28,7 @@ TicketChecklistTab::TicketChecklistTab(AppContext& context, const Uuid& ticket, 
   auto* down = button(QStringLiteral("Move down"), "checklistDown");
   auto* remove = button(QStringLiteral("Delete item"), "deleteChecklistItem");
   const auto addItem = [this] {
+    if (newItem_->text().trimmed().isEmpty()) return;
     const std::string title = newItem_->text().toStdString();
     if (change_(QStringLiteral("Add checklist item"), [&](BoardService& s) { s.addChecklistItem(ticket_, title); }))
       newItem_->clear();
@@ -40,6 +41,16 @@ TicketChecklistTab::TicketChecklistTab(AppContext& context, const Uuid& ticket, 
     const QListWidgetItem* item = checklist_->currentItem();
     if (const auto id = item ? idFrom(item->data(idRole)) : std::nullopt)
       change_(QStringLiteral("Delete checklist item"), [&](BoardService& s) { s.deleteChecklistItem(*id); });
+  });
+  // An empty title is not an item yet: Add waits for text rather than
+  // answering with the service's refusal.
+  offerWhen(add, [this] { return !newItem_->text().trimmed().isEmpty(); });
+  connect(newItem_, &QLineEdit::textChanged, this, &TicketChecklistTab::refreshOffers);
+  offerWhileCurrent(remove, checklist_);
+  offerWhen(up, [this] { return checklist_->currentRow() > 0; });
+  offerWhen(down, [this] {
+    const int row = checklist_->currentRow();
+    return row >= 0 && row + 1 < checklist_->count();
   });
 
   auto* layout = new QVBoxLayout(this);

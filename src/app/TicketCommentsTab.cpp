@@ -39,6 +39,9 @@ TicketCommentsTab::TicketCommentsTab(AppContext& context, const Uuid& ticket, Ti
     if (const auto comment = selectedId(comments_))
       change_(QStringLiteral("Delete comment"), [&](BoardService& s) { s.deleteComment(*comment); });
   });
+  offerWhen(add, [this] { return !newComment_->toPlainText().trimmed().isEmpty(); });
+  connect(newComment_, &QPlainTextEdit::textChanged, this, &TicketCommentsTab::refreshOffers);
+  offerWhileCurrent(remove, comments_);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(comments_, 1);

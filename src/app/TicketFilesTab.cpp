@@ -43,6 +43,9 @@ TicketFilesTab::TicketFilesTab(AppContext& context, const Uuid& ticket, TicketCh
       change_(QStringLiteral("Remove file link"), [&](BoardService& s) { s.removeFileLink(*id); });
   });
 
+  offerWhileCurrent(open, files_);
+  offerWhileCurrent(remove, files_);
+
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(files_, 1);
   auto* buttons = new QHBoxLayout;

@@ -38,6 +38,9 @@ TicketLinksTab::TicketLinksTab(AppContext& context, const Uuid& ticket, TicketCh
     if (const auto link = selectedId(links_))
       change_(QStringLiteral("Remove link"), [&](BoardService& s) { s.removeLink(*link); });
   });
+  // A ticket alone on its board has nothing to link to.
+  offerWhen(add, [this] { return linkTarget_->count() > 0; });
+  offerWhileCurrent(remove, links_);
 
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(links_, 1);

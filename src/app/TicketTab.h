@@ -6,9 +6,11 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "core/model/ProjectSnapshot.h"
 
+class QAbstractItemView;
 class QPushButton;
 class QTreeWidget;
 
@@ -39,11 +41,21 @@ class TicketTab : public QWidget {
  protected:
   virtual void refill(const ProjectSnapshot& snapshot, const Ticket& ticket) = 0;
   QPushButton* button(const QString& text, const char* name);
+  // Keeps `button` enabled only while `canAct` holds, so a button that
+  // cannot act is greyed out instead of answered with an alert or nothing.
+  // Asked again after every fill and by refreshOffers().
+  void offerWhen(QPushButton* button, std::function<bool()> canAct);
+  // offerWhen for a button that acts on the current row of `view`.
+  void offerWhileCurrent(QPushButton* button, QAbstractItemView* view);
+  void refreshOffers();
 
   AppContext& context_;
   const Uuid ticket_;
   const TicketChange change_;
   std::shared_ptr<const ProjectSnapshot> snapshot_;  // as last filled
+
+ private:
+  std::vector<std::pair<QPushButton*, std::function<bool()>>> offers_;
 };
 
 // A record name as shown inside a sentence: “Name”.

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QStringList>
 #include <QTabWidget>
@@ -97,6 +98,12 @@ TicketWindow::TicketWindow(AppContext& context, const Uuid& ticket, QWidget* par
   layout->addWidget(fields_);
   layout->addWidget(tabs_, 1);
   layout->addWidget(close);
+
+  // A dialog presses its default push button on every Return the focused
+  // field leaves alone: Return in a quick-add field would add the item and
+  // then press some other button (add again with the field just emptied,
+  // pick a file, close the window). Each field acts on Return itself.
+  for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);
 
   connect(&context_, &AppContext::storeChanged, this, &TicketWindow::reload);
   reload();

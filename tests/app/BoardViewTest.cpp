@@ -7,12 +7,15 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "app/AddColumnDialog.h"
 #include "app/AppFixture.h"
 #include "app/BoardCardActions.h"
 #include "app/BoardColumnModel.h"
 #include "app/BoardColumnWidget.h"
 #include "app/BoardView.h"
 #include "app/UndoHistory.h"
+#include "app/WipLimitDialog.h"
+#include "app/WipLimitField.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -79,6 +82,7 @@ class BoardViewTest : public QObject {
   void cardMenuOffersColumnsPeopleArchiveAndDelete();
   void deletingSelectedCardsAsksFirst();
   void draggingSeveralCardsKeepsTheirOrder();
+  void wipLimitIsTypedTheSameWayInBothForms();
 };
 
 namespace {
@@ -472,6 +476,63 @@ void BoardViewTest::draggingSeveralCardsKeepsTheirOrder() {
   f.context->undo(nullptr);
   QCOMPARE(f.titles(0), (QStringList{"B", "A", "C", "D"}));
   QCOMPARE(f.titles(1), QStringList{"X"});
+}
+
+void BoardViewTest::wipLimitIsTypedTheSameWayInBothForms() {
+  BoardFixture f;
+  const QString refused = "A WIP limit must be 1 or more, or empty for no limit.";
+  const struct {
+    const char* typed;
+    bool acceptable;
+    std::optional<std::int64_t> limit;
+  } cases[] = {{"", true, std::nullopt},   {"4", true, 4},
+               {" 12 ", true, 12},         {"-1", false, std::nullopt},
+               {"0", false, std::nullopt}, {"three", false, std::nullopt}};
+
+  f.view.addColumn();
+  auto* add = f.view.findChild<AddColumnDialog*>();
+  QVERIFY(add != nullptr);
+  add->nameField()->setText("QA");
+  columnAction(f.column(2), "WIP limit…");
+  auto* change = f.column(2)->findChild<WipLimitDialog*>();
+  QVERIFY(change != nullptr);
+  QCOMPARE(change->limitField()->field()->text(), QString("5"));  // the column's limit as it stands
+
+  const struct {
+    WipLimitField* field;
+    QPushButton* ok;
+  } forms[] = {{add->limitField(), add->findChild<QPushButton*>("addColumn")},
+               {change->limitField(), change->findChild<QPushButton*>("ok")}};
+  for (const auto& form : forms) {
+    QCOMPARE(form.field->field()->placeholderText(), QString("No limit"));
+    for (const auto& c : cases) {
+      form.field->field()->clear();
+      QTest::keyClicks(form.field->field(), c.typed);
+      // What was typed stays as typed: nothing is turned into another number.
+      QCOMPARE(form.field->field()->text(), QString(c.typed));
+      QCOMPARE(form.field->isAcceptable(), c.acceptable);
+      QCOMPARE(form.field->problem(), c.acceptable ? QString() : refused);
+      QCOMPARE(form.ok->isEnabled(), c.acceptable);
+      QCOMPARE(form.field->limit(), c.limit);
+    }
+  }
+
+  // Both forms store what they show.
+  add->limitField()->field()->setText("2");
+  add->accept();
+  change->limitField()->field()->clear();
+  change->accept();
+  const std::vector<BoardColumn> columns = f.snapshot(f.project).columns;
+  QCOMPARE(columns.back().name, std::string("QA"));
+  QCOMPARE(columns.back().wipLimit, std::optional<std::int64_t>(2));
+  QCOMPARE(columns[2].wipLimit, std::optional<std::int64_t>());
+
+  // A taken name is said beside the name, and Add column waits.
+  f.view.addColumn();
+  auto* again = f.view.findChildren<AddColumnDialog*>().back();
+  again->nameField()->setText("review");
+  QCOMPARE(again->nameProblem(), QString("\"review\" is already in use."));
+  QVERIFY(!again->findChild<QPushButton*>("addColumn")->isEnabled());
 }
 
 QTEST_MAIN(BoardViewTest)

@@ -1,3 +1,5 @@
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTableWidget>
@@ -5,6 +7,7 @@
 
 #include "app/AppFixture.h"
 #include "app/PeopleView.h"
+#include "app/TicketOpener.h"
 #include "app/UndoHistory.h"
 #include "core/store/Rows.h"
 
@@ -28,6 +31,7 @@ class PeopleViewTest : public QObject {
  private slots:
   void addRenameAndContactDetailsAreEditedInPlace();
   void deletingAPersonLeavesTheirTicketsUnassigned();
+  void returnInTheNameFieldAddsOnceAndSaysNothingElse();
 };
 
 void PeopleViewTest::addRenameAndContactDetailsAreEditedInPlace() {
@@ -85,6 +89,43 @@ void PeopleViewTest::deletingAPersonLeavesTheirTicketsUnassigned() {
   f.context->undo(&view);
   for (const Ticket& ticket : f.snapshot(project).tickets) QCOMPARE(ticket.assigneeId, std::optional<Uuid>(ada.id));
   QCOMPARE(view.table()->rowCount(), 1);
+}
+
+void PeopleViewTest::returnInTheNameFieldAddsOnceAndSaysNothingElse() {
+  AppFixture f;
+  // The window the app opens: a dialog, where Return also presses a button.
+  std::unique_ptr<QWidget> window(openPeopleWindow(*f.context, nullptr));
+  window->setAttribute(Qt::WA_DeleteOnClose, false);
+  auto* field = window->findChild<QLineEdit*>("newPerson");
+  auto* add = window->findChild<QPushButton*>("addPerson");
+  auto* remove = window->findChild<QPushButton*>("deletePerson");
+  auto* problem = window->findChild<QLabel*>("newPersonProblem");
+  QVERIFY(field && add && remove && problem);
+  QVERIFY(!add->isEnabled());     // nothing typed yet
+  QVERIFY(!remove->isEnabled());  // nobody chosen
+  QVERIFY(problem->isHidden());
+
+  QTest::keyClicks(field, "Ada");
+  QVERIFY(add->isEnabled());
+  QTest::keyClick(field, Qt::Key_Return);
+  QCOMPARE(rows::select<Person>(f.t.store.db(), "").size(), std::size_t(1));
+  QCOMPARE(field->text(), QString());
+  QVERIFY(alerts(*window).isEmpty());
+  QVERIFY(problem->isHidden());
+
+  // A taken name is refused where it is typed, in the service's words, and
+  // Return does nothing with it.
+  QTest::keyClicks(field, " ADA");
+  QVERIFY(!add->isEnabled());
+  QCOMPARE(problem->text(), QString("\"ADA\" is already in use."));
+  QVERIFY(!problem->isHidden());
+  QTest::keyClick(field, Qt::Key_Return);
+  QCOMPARE(rows::select<Person>(f.t.store.db(), "").size(), std::size_t(1));
+  QVERIFY(alerts(*window).isEmpty());
+
+  auto* table = window->findChild<QTableWidget*>("people");
+  table->selectRow(0);
+  QVERIFY(remove->isEnabled());
 }
 
 QTEST_MAIN(PeopleViewTest)

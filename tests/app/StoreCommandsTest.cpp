@@ -1,9 +1,14 @@
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <fstream>
 
 #include "app/AppFixture.h"
 #include "app/MainWindow.h"
+#include "app/NewProjectDialog.h"
+#include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
 #include "app/StoreCommands.h"
 #include "app/UndoHistory.h"
@@ -20,6 +25,8 @@ class StoreCommandsTest : public QObject {
   void restoreAddsProjectsAndChangesNone();
   void refusedRestoreShowsTheReasonAndAddsNothing();
   void restoreMessageCountsSkippedProblems();
+  void newProjectSheetShowsThePrefixAsItWillBeStored();
+  void recipientAddressesAreCheckedAsTheyAreTyped();
 };
 
 void StoreCommandsTest::backupNameCarriesTheDay() {
@@ -95,6 +102,91 @@ void StoreCommandsTest::restoreMessageCountsSkippedProblems() {
   QCOMPARE(StoreCommands::restoreMessage(report),
            QString("Restored 1 project(s) with 4 saved forecasts. Nothing existing was changed. "
                    "3 minor problem(s) were skipped."));
+}
+
+void StoreCommandsTest::newProjectSheetShowsThePrefixAsItWillBeStored() {
+  AppFixture f;
+  f.board().createProject("Apollo", "AP", f.clock);
+  QWidget window;
+  StoreCommands commands(*f.context, &window);
+  commands.newProject();
+  auto* sheet = window.findChild<NewProjectDialog*>();
+  QVERIFY(sheet != nullptr);
+  QVERIFY(!sheet->createButton()->isEnabled());  // no name yet
+  QCOMPARE(sheet->keyPreview(), QString());
+
+  const struct {
+    const char* name;
+    const char* typedPrefix;
+    const char* shownPrefix;
+    const char* preview;
+    const char* nameProblem;
+  } cases[] = {
+      {"Forecasting", "frc x-1", "FRCX1", "Tickets will be numbered FRCX1-1, FRCX1-2 and so on.", ""},
+      {"Forecasting", "platform2026", "PLATFO", "Tickets will be numbered PLATFO-1, PLATFO-2 and so on.", ""},
+      {"Web shop", " -", "", "Tickets will be numbered WEBSHO-1, WEBSHO-2 and so on.", ""},
+      {"apollo", "", "", "Tickets will be numbered APOLLO-1, APOLLO-2 and so on.", "\"apollo\" is already in use."},
+      {"  ", "", "", "", "A name, title or comment cannot be empty."},
+  };
+  for (const auto& c : cases) {
+    sheet->nameField()->setText(c.name);
+    sheet->keyField()->clear();
+    QTest::keyClicks(sheet->keyField(), c.typedPrefix);
+    QCOMPARE(sheet->keyField()->text(), QString(c.shownPrefix));
+    QCOMPARE(sheet->keyPreview(), QString(c.preview));
+    QCOMPARE(sheet->nameProblem(), QString(c.nameProblem));
+    QCOMPARE(sheet->createButton()->isEnabled(), QString(c.nameProblem).isEmpty());
+  }
+
+  // A letter typed in the middle stays where it was typed.
+  sheet->keyField()->setText("FRC");
+  sheet->keyField()->setCursorPosition(1);
+  QTest::keyClicks(sheet->keyField(), "x");
+  QCOMPARE(sheet->keyField()->text(), QString("FXRC"));
+  QCOMPARE(sheet->keyField()->cursorPosition(), 2);
+
+  // What the sheet showed is what is stored.
+  sheet->nameField()->setText("Forecasting");
+  sheet->keyField()->setText("frc-2");
+  QCOMPARE(sheet->keyPreview(), QString("Tickets will be numbered FRC2-1, FRC2-2 and so on."));
+  sheet->create();
+  QCOMPARE(sheet->result(), int(QDialog::Accepted));
+  bool found = false;
+  for (const Project& project : f.board().projects()) found |= project.name == "Forecasting" && project.key == "FRC2";
+  QVERIFY(found);
+}
+
+void StoreCommandsTest::recipientAddressesAreCheckedAsTheyAreTyped() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Apollo", "AP", f.clock).id;
+  ProjectSetupDialog sheet(*f.context, project, nullptr);
+  const QString notAnAddress = "That does not look like an email address.";
+  const QString same =
+      "The internal address cannot be the client's address, or internal reports could reach the client.";
+  const struct {
+    const char* client;
+    const char* internal;
+    QStringList problems;
+  } cases[] = {
+      {"", "", {}},
+      {"anna@client", "", {notAnAddress}},
+      {"anna@client.example", "boss@@us.example", {notAnAddress}},
+      {"anna@client.example", " Anna@Client.example ", {same}},
+      {"anna@client.example", "boss@us.example", {}},
+  };
+  for (const auto& c : cases) {
+    sheet.field("clientEmail")->setText(c.client);
+    sheet.field("internalEmail")->setText(c.internal);
+    QCOMPARE(sheet.fieldProblems(), c.problems);
+    QCOMPARE(sheet.saveButton()->isEnabled(), c.problems.isEmpty());
+  }
+  sheet.field("internalEmail")->setText("anna@client.example");
+  sheet.save();  // refused where it was typed: nothing stored, nothing said twice
+  QCOMPARE(f.snapshot(project).project.clientEmail, std::string());
+  QCOMPARE(sheet.errorMessage(), QString());
+  sheet.field("internalEmail")->setText("boss@us.example");
+  sheet.save();
+  QCOMPARE(f.snapshot(project).project.internalEmail, std::string("boss@us.example"));
 }
 
 QTEST_MAIN(StoreCommandsTest)

@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
 #include <functional>
@@ -70,6 +71,7 @@ class TicketWindowTest : public QObject {
   void historyKeepsColumnNamesAsTheyWere();
   void missingFileIsReportedNotOpened();
   void windowFollowsTheTicketAwayAndBack();
+  void returnAddsOnceAndButtonsWaitUntilTheyCanAct();
 };
 
 void TicketWindowTest::titleEditIsOneStepThatUndoAndRedoFollow() {
@@ -246,6 +248,39 @@ void TicketWindowTest::windowFollowsTheTicketAwayAndBack() {
   QVERIFY(child<QLineEdit>(window, "title")->isEnabled());
   QCOMPARE(child<QLineEdit>(window, "title")->text(), QString("Engine"));
   QCOMPARE(child<QTreeWidget>(window, "comments")->topLevelItem(0)->text(1), QString("Kept"));
+}
+
+void TicketWindowTest::returnAddsOnceAndButtonsWaitUntilTheyCanAct() {
+  TicketFixture f;
+  TicketWindow window(*f.context, f.engine.id, nullptr);
+  window.show();
+  // Nothing typed and nothing chosen: nothing to add, move, open or remove.
+  for (const char* name : {"addComment", "deleteComment", "addChecklistItem", "checklistUp", "checklistDown",
+                           "deleteChecklistItem", "removeLink", "openFile", "removeFile"})
+    QVERIFY2(!child<QPushButton>(window, name)->isEnabled(), name);
+  QVERIFY(child<QPushButton>(window, "addLink")->isEnabled());  // Fuel is there to link to
+  QVERIFY(child<QPushButton>(window, "addFile")->isEnabled());
+
+  // Return belongs to the field it is typed in: no button of the window
+  // takes it as well (adding again, picking a file, closing the window).
+  for (const QPushButton* button : window.findChildren<QPushButton*>())
+    QVERIFY2(!button->isDefault() && !button->autoDefault(), qPrintable(button->text()));
+  window.findChild<QTabWidget*>()->setCurrentIndex(1);
+  auto* newItem = child<QLineEdit>(window, "newChecklistItem");
+  QTest::keyClicks(newItem, "Order parts");
+  QVERIFY(child<QPushButton>(window, "addChecklistItem")->isEnabled());
+  QTest::keyClick(newItem, Qt::Key_Return);
+  QTest::keyClick(newItem, Qt::Key_Return);  // the field is empty now: nothing happens
+  QCOMPARE(f.snapshot(f.project.id).checklistItems.size(), std::size_t(1));
+  QVERIFY(newItem->text().isEmpty());
+  QVERIFY(window.isVisible());
+  QVERIFY(alerts(window).isEmpty());
+
+  auto* checklist = child<QListWidget>(window, "checklist");
+  checklist->setCurrentRow(0);
+  QVERIFY(child<QPushButton>(window, "deleteChecklistItem")->isEnabled());
+  QVERIFY(!child<QPushButton>(window, "checklistUp")->isEnabled());  // already at the top
+  QVERIFY(!child<QPushButton>(window, "checklistDown")->isEnabled());
 }
 
 QTEST_MAIN(TicketWindowTest)

@@ -21,8 +21,9 @@ std::string Project::safeFileName() const {
   return safe == "." ? "file" : safe;
 }
 
-std::string projectKey(std::string_view text) {
-  icu::UnicodeString upper = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+std::string projectKeyCharacters(std::string_view text) {
+  icu::UnicodeString upper =
+      icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
   upper.toUpper();
   icu::UnicodeString key;
   int kept = 0;
@@ -33,10 +34,14 @@ std::string projectKey(std::string_view text) {
       ++kept;
     }
   }
-  if (kept == 0) return "TKT";
   std::string out;
   key.toUTF8String(out);
   return out;
+}
+
+std::string projectKey(std::string_view text) {
+  std::string key = projectKeyCharacters(text);
+  return key.empty() ? "TKT" : key;
 }
 
 }  // namespace orvane

@@ -43,4 +43,9 @@ struct Project {
 // first six; "TKT" when nothing is left.
 std::string projectKey(std::string_view text);
 
+// What the key rule keeps of `text` (upper-cased letters and digits, the
+// first six), without the "TKT" stand-in: empty when nothing is kept. Lets
+// a form show a typed prefix the way it will be stored.
+std::string projectKeyCharacters(std::string_view text);
+
 }  // namespace orvane
