@@ -18,8 +18,7 @@ constexpr const char* kCsvKeepsEverything = " Nothing was exported; CSV export k
 
 }  // namespace
 
-XLSXWriteError XLSXWriteError::cellTooLong(const std::string& reference, const std::string& field,
-                                           std::size_t units) {
+XLSXWriteError XLSXWriteError::cellTooLong(const std::string& reference, const std::string& field, std::size_t units) {
   return {Case::cellTooLong, "The \"" + field + "\" cell of " + reference + " has " + grouped(units) +
                                  " characters, more than the " + grouped(XlsxWriter::kMaxCellUnits) +
                                  " an Excel cell can hold." + kCsvKeepsEverything};
