@@ -8,13 +8,18 @@
                             libreoffice_tickets.fods (kept beside it): shared
                             strings, booleans as 1/0 numbers with a boolean
                             style, dates, a sparse row, deflated members.
+  styled_gaps_tickets.xlsx  openpyxl: a styled but empty row, an empty row
+                            that only sets its height, rows the sheet leaves
+                            out, and date serials of 0 and below, so import
+                            issues must carry the sheet's own row numbers.
   prefixed_parts.xlsx       what neither of those writes: prefixed element
                             names ("x:c"), an absolute sheet target that is not
                             sheet1.xml, rich-text runs, formula text and error
                             cells. The parts are written here and deflated by
                             Python's zipfile.
 
-Run with /usr/bin/python3 (it has openpyxl); needs soffice on PATH.
+Run with /usr/bin/python3 (it has openpyxl); needs soffice on PATH for the
+LibreOffice workbook. Name workbooks as arguments to write only those.
 The tests check the cells listed in this file, so change both together.
 """
 import datetime
@@ -143,11 +148,45 @@ def inline_workbook(path):
             z.writestr(info, text)
 
 
-def main():
+def styled_gaps_workbook(path):
+    wb = openpyxl.Workbook()
+    ws = wb.active
+    ws.title = "Tickets"
+    ws.append(["title", "status", "created", "due", "priority", "points"])       # 1
+    ws.append(["First", "Backlog", datetime.date(2026, 1, 5), None, "High", 1])  # 2
+    # 3: formatted but empty, as a spreadsheet writes a styled range.
+    for column in "ABCDEF":
+        ws[column + "3"].fill = openpyxl.styles.PatternFill("solid", fgColor="FFFF00")
+        ws[column + "3"].number_format = "yyyy-mm-dd"
+    ws["A4"] = "Bad date"                                                        # 4
+    ws["C4"] = "someday"
+    # 5 and 6 are not in the file at all.
+    ws["A7"] = None                                                              # 7: empty title
+    ws["B7"] = "Backlog"
+    ws["A8"] = "Old one"                                                         # 8: serials 0 and -1
+    ws["C8"] = -1
+    ws["D8"] = 0
+    ws["C8"].number_format = ws["D8"].number_format = "yyyy-mm-dd"
+    ws.row_dimensions[9].height = 30                                             # 9: a height, no cells
+    ws["A10"] = "Odd priority"                                                   # 10
+    ws["E10"] = "soonish"
+    wb.properties.created = FIXED
+    wb.properties.modified = FIXED
+    wb.save(path)
+
+
+WRITERS = {
+    "openpyxl_tickets.xlsx": lambda: openpyxl_workbook(os.path.join(OUT, "openpyxl_tickets.xlsx")),
+    "libreoffice_tickets.xlsx": lambda: libreoffice_workbook(OUT),
+    "styled_gaps_tickets.xlsx": lambda: styled_gaps_workbook(os.path.join(OUT, "styled_gaps_tickets.xlsx")),
+    "prefixed_parts.xlsx": lambda: inline_workbook(os.path.join(OUT, "prefixed_parts.xlsx")),
+}
+
+
+def main(names):
     os.makedirs(OUT, exist_ok=True)
-    openpyxl_workbook(os.path.join(OUT, "openpyxl_tickets.xlsx"))
-    libreoffice_workbook(OUT)
-    inline_workbook(os.path.join(OUT, "prefixed_parts.xlsx"))
+    for name in names or WRITERS:
+        WRITERS[name]()
 
 
 def fuzz_seeds():
@@ -180,5 +219,7 @@ def fuzz_seeds():
 
 
 if __name__ == "__main__":
-    main()
-    fuzz_seeds()
+    import sys
+    main(sys.argv[1:])
+    if len(sys.argv) == 1:
+        fuzz_seeds()

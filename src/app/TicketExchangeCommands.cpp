@@ -109,7 +109,7 @@ ImportDialog* TicketExchangeCommands::openImportFile(const Uuid& project, const 
   ImportReport preview;
   std::optional<ProjectSnapshot> snapshot;
   try {
-    parsed = TicketCSV::parse(workbook ? TicketXlsx::csv(view) : std::string(view));
+    parsed = workbook ? TicketXlsx::parse(view) : TicketCSV::parse(view);
     snapshot = context_.board().snapshot(project);
     if (!snapshot) throw std::runtime_error("That project no longer exists.");
     // The preview is the import itself, rolled back: it lists exactly the

@@ -25,6 +25,7 @@
 #include "core/exchange/TicketImport.h"
 #include "core/exchange/TicketXlsx.h"
 #include "core/exchange/XlsxReadError.h"
+#include "core/exchange/XlsxWriteError.h"
 #include "engine/CivilDate.h"
 
 namespace orvane::cli {
@@ -123,8 +124,13 @@ int runExport(std::span<const std::string> args, const CommandContext& context) 
   const std::string& path = parsed.positionals()[1];
   const FileKind kind = kindOf(path);
   const ProjectSnapshot snapshot = loadProject(context.store.service(), parsed.positionals()[0]);
-  writeAtomically(path, kind == FileKind::csv ? TicketCSV::exportText(snapshot) : TicketXlsx::exportWorkbook(snapshot),
-                  FileContent::tickets);
+  std::string bytes;
+  try {
+    bytes = kind == FileKind::csv ? TicketCSV::exportText(snapshot) : TicketXlsx::exportWorkbook(snapshot);
+  } catch (const XLSXWriteError& error) {
+    throw CliError(error.what());
+  }
+  writeAtomically(path, bytes, FileContent::tickets);
   context.out << "Exported " << counted(static_cast<std::int64_t>(snapshot.tickets.size()), "ticket") << " of "
               << snapshot.project.name << " to " << path << ".\n";
   return exitOk;
@@ -146,7 +152,7 @@ int runImport(std::span<const std::string> args, const CommandContext& context) 
   ParsedImport rows;
   try {
     const std::string bytes = readFile(path, context.in, FileContent::tickets);
-    rows = TicketCSV::parse(kind == FileKind::csv ? bytes : TicketXlsx::csv(bytes));
+    rows = kind == FileKind::csv ? TicketCSV::parse(bytes) : TicketXlsx::parse(bytes);
   } catch (const TicketCSVError& error) {
     throw CliError(error.what());
   } catch (const CSVError& error) {

@@ -82,6 +82,29 @@ TEST_F(ExchangeCommands, ListsEveryRowIssueAndWhatWasCreated) {
   EXPECT_NE(dryRun.find("Nothing was changed (--dry-run).\n"), std::string::npos);
 }
 
+TEST_F(ExchangeCommands, WorkbookIssuesNameTheSheetsRows) {
+  ok({"project", "create", "Shop"});
+  const std::string path = std::string(ORVANE_TEST_DATA_DIR) + "/xlsx/styled_gaps_tickets.xlsx";
+  const std::string out = ok({"import", "Shop", path, "--dry-run"});
+  EXPECT_NE(out.find("Row 4: error: created_at \"someday\""), std::string::npos) << out;
+  EXPECT_NE(out.find("Row 7: error: The title is empty. Row skipped.\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("Row 10: warning: Priority \"soonish\""), std::string::npos) << out;
+}
+
+TEST_F(ExchangeCommands, RefusesAnExportThatWouldCutAText) {
+  ok({"project", "create", "Shop"});
+  ok({"import", "Shop", file("long.csv", "title,description\nLong," + std::string(40000, 'x') + "\n")});
+  const std::string path = (dir.path() / "shop.xlsx").string();
+  const CliRun result = run({"export", "Shop", path});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err,
+            "The \"description\" cell of SHOP-1 has 40,000 characters, more than the 32,767 an Excel cell can hold. "
+            "Nothing was exported; CSV export keeps every character.\n");
+  EXPECT_FALSE(std::filesystem::exists(path));
+  ok({"export", "Shop", (dir.path() / "shop.csv").string()});
+  EXPECT_NE(read((dir.path() / "shop.csv").string()).find(std::string(40000, 'x')), std::string::npos);
+}
+
 TEST_F(ExchangeCommands, RefusesUnreadableFilesWithoutWriting) {
   ok({"project", "create", "Shop"});
   const std::string before = dump();

@@ -14,6 +14,8 @@ const char* CSVError::what() const noexcept {
   switch (kind_) {
     case Case::unterminatedQuote:
       return "The file ends inside a quoted field. A closing quote is missing.";
+    case Case::tooManyFields:
+      return "A record has more than 16,384 fields. Check that the file is a table with one ticket per line.";
   }
   return "";
 }
@@ -144,12 +146,17 @@ char detectDelimiter(std::string_view text) {
 }
 
 Document parse(std::string_view text, char delimiter) {
+  Document records;
+  forEachRecord(text, delimiter, [&](Record& record) { records.push_back(std::move(record)); });
+  return records;
+}
+
+void forEachRecord(std::string_view text, char delimiter, const std::function<void(Record&)>& handler) {
   std::string storage;
   text = wellFormed(text, storage);
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
 
   const std::string_view delimiterText(&delimiter, 1);
-  Document records;
   Record record;
   std::string field;
   bool insideQuotes = false;
@@ -185,6 +192,7 @@ Document parse(std::string_view text, char delimiter) {
         field += cluster;
       }
     } else if (cluster == delimiterText) {
+      if (record.size() + 1 == kMaxFields) throw CSVError::tooManyFields();
       record.push_back(std::move(field));
       field.clear();
       quoted = false;
@@ -193,7 +201,7 @@ Document parse(std::string_view text, char delimiter) {
       record.push_back(std::move(field));
       field.clear();
       quoted = false;
-      if (!blankLine) records.push_back(std::move(record));
+      if (!blankLine) handler(record);
       record.clear();
     } else {
       field += cluster;
@@ -203,9 +211,8 @@ Document parse(std::string_view text, char delimiter) {
   if (insideQuotes) throw CSVError::unterminatedQuote();
   if (!(record.empty() && field.empty() && !quoted)) {
     record.push_back(std::move(field));
-    records.push_back(std::move(record));
+    handler(record);
   }
-  return records;
 }
 
 std::string encode(const Document& rows, char delimiter) {

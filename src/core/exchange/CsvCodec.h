@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,9 +12,11 @@ namespace orvane {
 // sentence the user sees.
 class CSVError : public std::exception {
  public:
-  enum class Case { unterminatedQuote };
+  enum class Case { unterminatedQuote, tooManyFields };
 
   static CSVError unterminatedQuote() { return CSVError(Case::unterminatedQuote); }
+  // A record with more than CSV::kMaxFields fields.
+  static CSVError tooManyFields() { return CSVError(Case::tooManyFields); }
 
   Case kind() const { return kind_; }
   const char* what() const noexcept override;
@@ -31,6 +34,11 @@ class CSVError : public std::exception {
 // carries a combining mark is an ordinary character, not a quote.
 namespace CSV {
 
+// The most fields a record may have: a spreadsheet's 16,384 columns. A line
+// of a million delimiters is no table, and holding its empty fields would
+// take far more memory than the file.
+inline constexpr std::size_t kMaxFields = 16'384;
+
 using Record = std::vector<std::string>;
 using Document = std::vector<Record>;
 
@@ -42,8 +50,16 @@ char detectDelimiter(std::string_view text);
 // are skipped; quoted fields may hold delimiters, doubled quotes and line
 // breaks (kept as they stand). Fields are not trimmed and records are not
 // padded. Bytes that are not valid UTF-8 are read as U+FFFD.
-// Throws CSVError::unterminatedQuote when the text ends inside quotes.
+// Throws CSVError::unterminatedQuote when the text ends inside quotes, and
+// CSVError::tooManyFields for a record of more than kMaxFields fields.
 Document parse(std::string_view text, char delimiter);
+
+// The records of `text` as parse() reads them, handed to `handler` one at a
+// time, so a long file never has to be held as records. The record is
+// reused after the handler returns. Throws as parse() does, after the
+// records before the open quote were handed over; an exception from the
+// handler passes through.
+void forEachRecord(std::string_view text, char delimiter, const std::function<void(Record&)>& handler);
 
 // The text of `rows`: fields joined by `delimiter`, each record followed by
 // "\n", no byte order mark. A field is quoted when it holds the delimiter, a

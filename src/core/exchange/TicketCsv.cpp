@@ -19,6 +19,8 @@ const char* TicketCSVError::what() const noexcept {
       return "The file is empty.";
     case Case::missingTitleColumn:
       return "The first row must contain a \"title\" column.";
+    case Case::tooManyRows:
+      return "The file has more than 100,000 rows. Import at most 100,000 tickets at a time.";
   }
   return "";
 }
@@ -73,8 +75,6 @@ const std::unordered_map<std::string_view, Field>& aliases() {
   return table;
 }
 
-constexpr std::size_t kFieldCount = headers.size();
-
 std::string_view headerOf(Field field) { return headers[static_cast<std::size_t>(field)]; }
 
 std::string priorityWord(const Ticket& ticket) {
@@ -120,6 +120,24 @@ std::optional<TicketPriority> parsePriority(std::string_view text) {
   return std::nullopt;
 }
 
+RowReader::RowReader(const CSV::Record& header, std::int64_t headerRow) : headerSize_(header.size()) {
+  for (std::size_t i = 0; i < header.size(); ++i) {
+    const auto mapped = field(header[i]);
+    if (!mapped) {
+      parsed_.issues.push_back({headerRow, "Column \"" + header[i] + "\" is not recognised and was ignored.", false});
+      continue;
+    }
+    auto& slot = cellOf_[static_cast<std::size_t>(*mapped)];
+    if (slot) {
+      parsed_.issues.push_back(
+          {headerRow, "Column \"" + header[i] + "\" appears more than once; the first one is used.", false});
+      continue;
+    }
+    slot = i;
+  }
+  if (!cellOf_[static_cast<std::size_t>(Field::title)]) throw TicketCSVError::missingTitleColumn();
+}
+
 // Rules for a data row, in the order they are checked:
 // - more cells than the header: a warning, the extra cells ignored;
 // - an empty title: an error, and nothing else about the row is reported;
@@ -128,106 +146,96 @@ std::optional<TicketPriority> parsePriority(std::string_view text) {
 //   not imported);
 // - an unknown priority or blocked value: a warning, with medium / not
 //   flagged used instead.
+void RowReader::add(const CSV::Record& record, std::int64_t rowNumber) {
+  if (++rows_ > kMaxRows) throw TicketCSVError::tooManyRows();
+  ParsedImport& parsed = parsed_;
+  const auto& cellOf = cellOf_;
+  auto warn = [&](std::string message) { parsed.issues.push_back({rowNumber, std::move(message), false}); };
+  auto fail = [&](std::string message) { parsed.issues.push_back({rowNumber, std::move(message), true}); };
+  auto value = [&](Field f) -> std::string {
+    const auto cell = cellOf[static_cast<std::size_t>(f)];
+    if (!cell || *cell >= record.size()) return {};
+    return text::trimmed(record[*cell]);
+  };
+
+  if (record.size() > headerSize_) {
+    warn("The record has more fields than the header; the extra fields were ignored.");
+  }
+
+  ImportedRow row;
+  row.rowNumber = rowNumber;
+  row.title = value(Field::title);
+  if (row.title.empty()) {
+    fail("The title is empty. Row skipped.");
+    return;
+  }
+
+  bool skipped = false;
+  auto date = [&](Field f, std::optional<Timestamp>& target) {
+    const std::string text = value(f);
+    if (text.empty()) return;
+    target = ISODateTime::parse(text);
+    if (!target) {
+      fail(std::string(headerOf(f)) + " \"" + text +
+           "\" is not a valid date. Use 2026-10-05 or 2026-10-05T09:30:00Z. Row skipped.");
+      skipped = true;
+    }
+  };
+  date(Field::createdAt, row.createdAt);
+  date(Field::startedAt, row.startedAt);
+  date(Field::completedAt, row.completedAt);
+  date(Field::archivedAt, row.archivedAt);
+  date(Field::dueDate, row.dueDate);
+  if (skipped) return;
+
+  row.details = value(Field::description);
+  row.columnName = value(Field::column);
+  row.epicName = value(Field::epic);
+  row.assigneeName = value(Field::assignee);
+
+  if (const std::string priority = value(Field::priority); !priority.empty()) {
+    row.priority = parsePriority(priority);
+    if (!row.priority) {
+      warn("Priority \"" + priority + "\" is not recognised; Medium was used.");
+      row.priority = TicketPriority::medium;
+    }
+  }
+
+  if (const std::string blocked = value(Field::blocked); !blocked.empty()) {
+    const std::string word = lowerCased(blocked);
+    row.blocked = word == "yes" || word == "y" || word == "true" || word == "1" || word == "x";
+    if (!row.blocked) {
+      warn("Blocked \"" + blocked + "\" is not recognised; use Yes or leave it empty. The ticket was not flagged.");
+    }
+  }
+
+  // Tag pieces are trimmed, so "ui | api" reads as two clean tags.
+  const std::string tags = value(Field::tags);
+  std::size_t start = 0;
+  while (start <= tags.size()) {
+    const std::size_t bar = std::min(tags.find('|', start), tags.size());
+    if (std::string piece = text::trimmed(std::string_view(tags).substr(start, bar - start)); !piece.empty()) {
+      row.tags.push_back(std::move(piece));
+    }
+    start = bar + 1;
+  }
+
+  parsed.rows.push_back(std::move(row));
+}
+
 ParsedImport parse(std::string_view input) {
-  const auto records = CSV::parse(input, CSV::detectDelimiter(input));
-  if (records.empty()) throw TicketCSVError::empty();
-
-  ParsedImport parsed;
-  // For each field, the header cell that feeds it.
-  std::array<std::optional<std::size_t>, kFieldCount> cellOf{};
-  const auto& header = records.front();
-  for (std::size_t i = 0; i < header.size(); ++i) {
-    const auto mapped = field(header[i]);
-    if (!mapped) {
-      parsed.issues.push_back({1, "Column \"" + header[i] + "\" is not recognised and was ignored.", false});
-      continue;
+  std::optional<RowReader> reader;
+  std::int64_t rowNumber = 0;
+  CSV::forEachRecord(input, CSV::detectDelimiter(input), [&](CSV::Record& record) {
+    ++rowNumber;
+    if (!reader) {
+      reader.emplace(record);
+    } else {
+      reader->add(record, rowNumber);
     }
-    auto& slot = cellOf[static_cast<std::size_t>(*mapped)];
-    if (slot) {
-      parsed.issues.push_back(
-          {1, "Column \"" + header[i] + "\" appears more than once; the first one is used.", false});
-      continue;
-    }
-    slot = i;
-  }
-  if (!cellOf[static_cast<std::size_t>(Field::title)]) throw TicketCSVError::missingTitleColumn();
-
-  for (std::size_t r = 1; r < records.size(); ++r) {
-    const auto& record = records[r];
-    const auto rowNumber = static_cast<std::int64_t>(r) + 1;
-    auto warn = [&](std::string message) { parsed.issues.push_back({rowNumber, std::move(message), false}); };
-    auto fail = [&](std::string message) { parsed.issues.push_back({rowNumber, std::move(message), true}); };
-    auto value = [&](Field f) -> std::string {
-      const auto cell = cellOf[static_cast<std::size_t>(f)];
-      if (!cell || *cell >= record.size()) return {};
-      return text::trimmed(record[*cell]);
-    };
-
-    if (record.size() > header.size()) {
-      warn("The record has more fields than the header; the extra fields were ignored.");
-    }
-
-    ImportedRow row;
-    row.rowNumber = rowNumber;
-    row.title = value(Field::title);
-    if (row.title.empty()) {
-      fail("The title is empty. Row skipped.");
-      continue;
-    }
-
-    bool skipped = false;
-    auto date = [&](Field f, std::optional<Timestamp>& target) {
-      const std::string text = value(f);
-      if (text.empty()) return;
-      target = ISODateTime::parse(text);
-      if (!target) {
-        fail(std::string(headerOf(f)) + " \"" + text +
-             "\" is not a valid date. Use 2026-10-05 or 2026-10-05T09:30:00Z. Row skipped.");
-        skipped = true;
-      }
-    };
-    date(Field::createdAt, row.createdAt);
-    date(Field::startedAt, row.startedAt);
-    date(Field::completedAt, row.completedAt);
-    date(Field::archivedAt, row.archivedAt);
-    date(Field::dueDate, row.dueDate);
-    if (skipped) continue;
-
-    row.details = value(Field::description);
-    row.columnName = value(Field::column);
-    row.epicName = value(Field::epic);
-    row.assigneeName = value(Field::assignee);
-
-    if (const std::string priority = value(Field::priority); !priority.empty()) {
-      row.priority = parsePriority(priority);
-      if (!row.priority) {
-        warn("Priority \"" + priority + "\" is not recognised; Medium was used.");
-        row.priority = TicketPriority::medium;
-      }
-    }
-
-    if (const std::string blocked = value(Field::blocked); !blocked.empty()) {
-      const std::string word = lowerCased(blocked);
-      row.blocked = word == "yes" || word == "y" || word == "true" || word == "1" || word == "x";
-      if (!row.blocked) {
-        warn("Blocked \"" + blocked + "\" is not recognised; use Yes or leave it empty. The ticket was not flagged.");
-      }
-    }
-
-    // Tag pieces are trimmed, so "ui | api" reads as two clean tags.
-    const std::string tags = value(Field::tags);
-    std::size_t start = 0;
-    while (start <= tags.size()) {
-      const std::size_t bar = std::min(tags.find('|', start), tags.size());
-      if (std::string piece = text::trimmed(std::string_view(tags).substr(start, bar - start)); !piece.empty()) {
-        row.tags.push_back(std::move(piece));
-      }
-      start = bar + 1;
-    }
-
-    parsed.rows.push_back(std::move(row));
-  }
-  return parsed;
+  });
+  if (!reader) throw TicketCSVError::empty();
+  return std::move(*reader).take();
 }
 
 std::string exportText(const ProjectSnapshot& project) {

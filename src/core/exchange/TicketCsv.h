@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/exchange/CsvCodec.h"
 #include "core/model/ProjectSnapshot.h"
 #include "core/model/TicketPriority.h"
 #include "engine/Timestamp.h"
@@ -18,10 +19,12 @@ namespace orvane {
 // (A quote left open surfaces as CSVError.)
 class TicketCSVError : public std::exception {
  public:
-  enum class Case { empty, missingTitleColumn };
+  enum class Case { empty, missingTitleColumn, tooManyRows };
 
   static TicketCSVError empty() { return TicketCSVError(Case::empty); }
   static TicketCSVError missingTitleColumn() { return TicketCSVError(Case::missingTitleColumn); }
+  // More data rows than one import takes (TicketCSV::kMaxRows).
+  static TicketCSVError tooManyRows() { return TicketCSVError(Case::tooManyRows); }
 
   Case kind() const { return kind_; }
   const char* what() const noexcept override;
@@ -106,9 +109,35 @@ std::optional<Field> field(std::string_view header);
 // "critical", in any case and with surrounding white space; otherwise none.
 std::optional<TicketPriority> parsePriority(std::string_view text);
 
-// Reads a ticket file. Throws TicketCSVError (empty, missingTitleColumn) or
-// CSVError (unterminatedQuote); every other problem is an ImportIssue.
+// The most data rows one import reads: every row becomes a ticket (or an
+// issue) held until the import is confirmed, and a file with more is split
+// by the user rather than read until memory runs out.
+inline constexpr std::int64_t kMaxRows = 100'000;
+
+// Reads a ticket file one record at a time: the header first, then each data
+// record with its row number, so the file never has to be held as records.
 // Tag pieces are trimmed and empty pieces dropped.
+class RowReader {
+ public:
+  // Maps the header's cells to fields, adding a warning for each unknown or
+  // repeated one at `headerRow`. Throws TicketCSVError::missingTitleColumn.
+  explicit RowReader(const CSV::Record& header, std::int64_t headerRow = 1);
+  // Reads one data record. Throws TicketCSVError::tooManyRows for the
+  // record after kMaxRows.
+  void add(const CSV::Record& record, std::int64_t rowNumber);
+  ParsedImport take() && { return std::move(parsed_); }
+
+ private:
+  ParsedImport parsed_;
+  std::size_t headerSize_ = 0;
+  std::array<std::optional<std::size_t>, 13> cellOf_{};
+  std::int64_t rows_ = 0;
+};
+
+// Reads a ticket file; data rows are numbered by their place among the
+// records (the header being row 1, blank lines not counted). Throws
+// TicketCSVError (empty, missingTitleColumn, tooManyRows) or CSVError
+// (unterminatedQuote); every other problem is an ImportIssue.
 ParsedImport parse(std::string_view text);
 
 // Every ticket of the project, archived ones included (with their

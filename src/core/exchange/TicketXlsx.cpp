@@ -10,6 +10,7 @@
 #include "core/exchange/IsoDateTime.h"
 #include "core/exchange/TicketCsv.h"
 #include "core/exchange/XlsxReader.h"
+#include "core/exchange/XlsxWriteError.h"
 #include "core/exchange/XlsxWriter.h"
 
 namespace orvane::TicketXlsx {
@@ -17,9 +18,11 @@ namespace orvane::TicketXlsx {
 namespace {
 
 constexpr double kUnixEpochSerial = 25569.0;
-// Serials a date column turns into dates: 1900-01-01 to 9999-12-31. Anything
-// else cannot be a date a spreadsheet shows and is written as a plain number.
-constexpr double kFirstDateSerial = 1.0;
+// Serials a date column turns into dates, all by the one rule: 0001-01-01 to
+// 9999-12-31 (0 is 1899-12-30, negative serials earlier days). Beyond them no
+// ISO date can be written, so the plain number is kept and the import says
+// it is not a valid date.
+constexpr double kFirstDateSerial = -693593.0;
 constexpr double kLastDateSerial = 2958465.0;
 
 const std::set<std::string, std::less<>>& dateHeaders() {
@@ -42,11 +45,57 @@ std::string dateText(double serial) {
   return serial == std::floor(serial) ? text.substr(0, 10) : text;
 }
 
-std::string cellText(const XLSXReader::Cell& cell, bool dateColumn) {
-  if (!cell.isNumber()) return cell.asText();
-  const double n = cell.asNumber();
-  if (dateColumn && n >= kFirstDateSerial && n <= kLastDateSerial) return dateText(n);
+std::string cellText(const XLSXReader::CellView& cell, bool dateColumn) {
+  if (!cell.isNumber) return std::string(cell.text);
+  const double n = cell.number;
+  if (dateColumn && n >= kFirstDateSerial && n < kLastDateSerial + 1.0) return dateText(n);
   return numberText(n);
+}
+
+// The fields of one sheet row as the ticket CSV reads them.
+void fillRecord(const std::vector<XLSXReader::CellView>& cells, const std::vector<bool>& dateColumn,
+                CSV::Record& record) {
+  record.resize(cells.size());
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    record[c] = cellText(cells[c], c < dateColumn.size() && dateColumn[c]);
+  }
+}
+
+// Which fields of the header record are date columns.
+std::vector<bool> dateColumns(const CSV::Record& header) {
+  std::vector<bool> dateColumn;
+  dateColumn.reserve(header.size());
+  for (const auto& text : header) dateColumn.push_back(dateHeaders().contains(TicketCSV::normalizeHeader(text)));
+  return dateColumn;
+}
+
+// Throws XLSXWriteError for the first text of a ticket that a cell cannot
+// hold whole (too long, or a character XML cannot carry), in the order of the
+// ticket CSV's columns.
+void checkCellsHoldEveryText(const ProjectSnapshot& project) {
+  for (const Ticket& ticket : project.tickets) {
+    const BoardColumn* column = ticket.columnId ? project.column(*ticket.columnId) : nullptr;
+    const Epic* epic = ticket.epicId ? project.epic(*ticket.epicId) : nullptr;
+    const Person* assignee = ticket.assigneeId ? project.person(*ticket.assigneeId) : nullptr;
+    std::string tags;
+    for (const auto& tag : ticket.tags) tags += (tags.empty() ? "" : "|") + tag;
+    const std::pair<TicketCSV::Field, std::string_view> texts[] = {
+        {TicketCSV::Field::title, ticket.title},
+        {TicketCSV::Field::description, ticket.details},
+        {TicketCSV::Field::column, column ? std::string_view(column->name) : std::string_view()},
+        {TicketCSV::Field::epic, epic ? std::string_view(epic->name) : std::string_view()},
+        {TicketCSV::Field::tags, tags},
+        {TicketCSV::Field::assignee, assignee ? std::string_view(assignee->name) : std::string_view()},
+    };
+    for (const auto& [field, text] : texts) {
+      const XlsxWriter::CellFit fit = XlsxWriter::cellFit(text);
+      const std::string header(TicketCSV::headers[static_cast<std::size_t>(field)]);
+      if (fit.units > XlsxWriter::kMaxCellUnits) {
+        throw XLSXWriteError::cellTooLong(project.referenceCode(ticket), header, fit.units);
+      }
+      if (!fit.keepsEveryCharacter) throw XLSXWriteError::unwritableCharacter(project.referenceCode(ticket), header);
+    }
+  }
 }
 
 bool isDateField(std::string_view header) {
@@ -96,33 +145,39 @@ XlsxWriter::Sheet ticketSheet(const CSV::Document& records) {
 
 }  // namespace
 
-std::string csv(std::string_view xlsxBytes) {
-  const auto rows = XLSXReader::firstSheetRows(xlsxBytes);
-  if (rows.empty()) return {};
-
-  const auto& headerRow = rows.front();
+ParsedImport parse(std::string_view xlsxBytes) {
+  std::optional<TicketCSV::RowReader> reader;
   std::vector<bool> dateColumn;
-  for (const auto& cell : headerRow) {
-    const std::string header = TicketCSV::normalizeHeader(cellText(cell, false));
-    dateColumn.push_back(dateHeaders().contains(header));
-  }
+  CSV::Record record;
+  XLSXReader::forEachFirstSheetRow(xlsxBytes, [&](std::uint32_t row, const std::vector<XLSXReader::CellView>& cells) {
+    fillRecord(cells, dateColumn, record);
+    if (reader) {
+      reader->add(record, row);
+    } else {
+      dateColumn = dateColumns(record);
+      reader.emplace(record, row);
+    }
+  });
+  if (!reader) throw TicketCSVError::empty();
+  return std::move(*reader).take();
+}
 
-  CSV::Document records;
-  records.reserve(rows.size());
-  for (const auto& row : rows) {
-    std::size_t width = row.size();
-    const auto blank = [](const XLSXReader::Cell& cell) { return !cell.isNumber() && cell.asText().empty(); };
-    while (width > headerRow.size() && blank(row[width - 1])) --width;
-    if (std::all_of(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(width), blank)) continue;
-    CSV::Record record;
-    record.reserve(width);
-    for (std::size_t c = 0; c < width; ++c) record.push_back(cellText(row[c], c < dateColumn.size() && dateColumn[c]));
-    records.push_back(std::move(record));
-  }
-  return CSV::encode(records, ',');
+std::string csv(std::string_view xlsxBytes) {
+  std::vector<bool> dateColumn;
+  bool header = true;
+  CSV::Record record;
+  std::string out;
+  XLSXReader::forEachFirstSheetRow(xlsxBytes, [&](std::uint32_t, const std::vector<XLSXReader::CellView>& cells) {
+    fillRecord(cells, dateColumn, record);
+    if (header) dateColumn = dateColumns(record);
+    header = false;
+    out += CSV::encode({record}, ',');
+  });
+  return out;
 }
 
 std::string exportWorkbook(const ProjectSnapshot& project) {
+  checkCellsHoldEveryText(project);
   // The CSV export decides which tickets, in which order, with which texts;
   // the workbook carries exactly those rows.
   const std::vector<XlsxWriter::Sheet> sheets{ticketSheet(CSV::parse(TicketCSV::exportText(project), ','))};

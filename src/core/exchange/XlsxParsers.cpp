@@ -2,9 +2,13 @@
 
 #include <expat.h>
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
+#include <new>
+
+#include "core/exchange/XlsxReadError.h"
 
 namespace orvane::XLSXReader {
 
@@ -42,23 +46,40 @@ std::optional<double> decimalNumber(std::string_view s) {
 
 }  // namespace
 
-// Bridges expat's C callbacks to the virtual handlers. Handlers never throw
-// (nothing may unwind through expat); they record a failure and stop.
+// Bridges expat's C callbacks to the virtual handlers. Nothing may unwind
+// through expat: an exception from a handler is kept, the parse stopped, and
+// run() throws it on afterwards.
 struct XmlEventParserAccess {
-  static void XMLCALL start(void* self, const XML_Char* name, const XML_Char** attributes) {
+  template <typename Call>
+  static void guarded(void* self, Call&& call) {
     auto* p = static_cast<XmlEventParser*>(self);
-    if (!p->stopped_) p->start(localName(name), attributes);
+    if (!p->stopped_) {
+      try {
+        call(*p);
+      } catch (...) {
+        p->failure_ = std::current_exception();
+        p->stopped_ = true;
+      }
+    }
     if (p->stopped_) XML_StopParser(static_cast<XML_Parser>(p->parser_), XML_FALSE);
+  }
+  static void XMLCALL start(void* self, const XML_Char* name, const XML_Char** attributes) {
+    guarded(self, [&](XmlEventParser& p) {
+      if (++p.depth_ > XmlEventParser::kMaxDepth) {
+        throw XLSXReadError::unsupported("a part nests its elements more than " +
+                                         std::to_string(XmlEventParser::kMaxDepth) + " levels deep");
+      }
+      p.start(localName(name), attributes);
+    });
   }
   static void XMLCALL end(void* self, const XML_Char* name) {
-    auto* p = static_cast<XmlEventParser*>(self);
-    if (!p->stopped_) p->end(localName(name));
-    if (p->stopped_) XML_StopParser(static_cast<XML_Parser>(p->parser_), XML_FALSE);
+    guarded(self, [&](XmlEventParser& p) {
+      --p.depth_;
+      p.end(localName(name));
+    });
   }
   static void XMLCALL text(void* self, const XML_Char* s, int length) {
-    auto* p = static_cast<XmlEventParser*>(self);
-    if (!p->stopped_) p->text(std::string_view(s, static_cast<std::size_t>(length)));
-    if (p->stopped_) XML_StopParser(static_cast<XML_Parser>(p->parser_), XML_FALSE);
+    guarded(self, [&](XmlEventParser& p) { p.text(std::string_view(s, static_cast<std::size_t>(length))); });
   }
   static void XMLCALL doctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) {
     auto* p = static_cast<XmlEventParser*>(self);
@@ -68,29 +89,47 @@ struct XmlEventParserAccess {
 };
 
 bool XmlEventParser::run(std::string_view xml) {
+  return run([xml](const std::function<void(std::string_view)>& sink) {
+    // Slices keep each call within expat's int length.
+    constexpr std::size_t kSlice = 1 << 20;
+    for (std::size_t at = 0; at < xml.size(); at += kSlice) sink(xml.substr(at, kSlice));
+  });
+}
+
+bool XmlEventParser::run(const XmlSource& source) {
   XML_Parser parser = XML_ParserCreate(nullptr);
-  if (parser == nullptr) return false;
+  if (parser == nullptr) throw std::bad_alloc();
+  struct Release {
+    XmlEventParser* self;
+    XML_Parser parser;
+    ~Release() {
+      XML_ParserFree(parser);
+      self->parser_ = nullptr;
+    }
+  } release{this, parser};
   parser_ = parser;
   stopped_ = false;
+  depth_ = 0;
+  failure_ = nullptr;
   XML_SetUserData(parser, this);
   XML_SetElementHandler(parser, &XmlEventParserAccess::start, &XmlEventParserAccess::end);
   XML_SetCharacterDataHandler(parser, &XmlEventParserAccess::text);
   XML_SetStartDoctypeDeclHandler(parser, &XmlEventParserAccess::doctype);
 
+  // Once the XML is refused, the rest of the part is not even unpacked.
+  struct Refused {};
   bool ok = true;
-  constexpr std::size_t kSlice = 1 << 20;
-  std::size_t at = 0;
-  do {
-    const std::size_t length = std::min(kSlice, xml.size() - at);
-    const bool last = at + length == xml.size();
-    if (XML_Parse(parser, xml.data() + at, static_cast<int>(length), last ? XML_TRUE : XML_FALSE) != XML_STATUS_OK) {
-      ok = false;
-      break;
-    }
-    at += length;
-  } while (at < xml.size());
-  XML_ParserFree(parser);
-  parser_ = nullptr;
+  try {
+    source([&](std::string_view slice) {
+      if (XML_Parse(parser, slice.data(), static_cast<int>(slice.size()), XML_FALSE) != XML_STATUS_OK) {
+        ok = false;
+        throw Refused{};
+      }
+    });
+  } catch (const Refused&) {
+  }
+  if (ok && XML_Parse(parser, nullptr, 0, XML_TRUE) != XML_STATUS_OK) ok = false;
+  if (failure_) std::rethrow_exception(failure_);
   return ok && !stopped_;
 }
 
@@ -139,7 +178,7 @@ void RelationshipParser::start(std::string_view name, const char** attributes) {
 void SharedStringsParser::start(std::string_view name, const char**) {
   if (name == "si") {
     inItem = true;
-    current.clear();
+    strings.discardPending();
   } else if (name == "rPh") {
     ++phoneticDepth;
   } else if (name == "t" && inItem && phoneticDepth == 0) {
@@ -149,8 +188,12 @@ void SharedStringsParser::start(std::string_view name, const char**) {
 
 void SharedStringsParser::end(std::string_view name) {
   if (name == "si") {
-    if (inItem) strings.push_back(std::move(current));
-    current.clear();
+    if (inItem) {
+      if (strings.size() == kMaxStrings) {
+        throw XLSXReadError::unsupported("the workbook has more than 4,000,000 shared strings");
+      }
+      strings.push();
+    }
     inItem = false;
     inText = false;
   } else if (name == "rPh") {
@@ -161,7 +204,11 @@ void SharedStringsParser::end(std::string_view name) {
 }
 
 void SharedStringsParser::text(std::string_view s) {
-  if (inItem && inText && phoneticDepth == 0) current += s;
+  if (!inItem || !inText || phoneticDepth > 0) return;
+  if (strings.textBytes() + s.size() > kMaxTextBytes) {
+    throw XLSXReadError::unsupported("the shared strings hold more than 128 MB of text");
+  }
+  strings.append(s);
 }
 
 void SheetParser::start(std::string_view name, const char** attributes) {
@@ -217,32 +264,97 @@ void SheetParser::end(std::string_view name) {
 void SheetParser::text(std::string_view s) {
   if (!inCell || phoneticDepth > 0) return;
   // Inline text and a value are kept apart by the cell's type at its end;
-  // a cell holds one or the other.
-  if (inValue || inInlineText) value += s;
+  // a cell holds one or the other. One cell's text is bounded like the
+  // sheet's: it cannot be longer than all of them together.
+  if (!(inValue || inInlineText)) return;
+  if (value.size() + s.size() > kMaxTextBytes) {
+    throw XLSXReadError::unsupported("the first sheet holds more than 128 MB of text");
+  }
+  value += s;
 }
 
 void SheetParser::finishCell() {
-  Cell cell;
+  if (column < 1 || column > kMaxColumn || row < 1 || row > kMaxRow) return;
+  Entry entry;
+  entry.column = static_cast<std::uint32_t>(column);
+  std::string_view text;
   if (type == "s") {
     const auto index = wholeNumber(value);
-    cell = Cell::text(index && *index < sharedStrings.size() ? sharedStrings[*index] : std::string());
+    if (index && *index < sharedStrings.size()) text = sharedStrings[*index];
   } else if (type == "inlineStr" || type == "str" || type == "e") {
-    cell = Cell::text(value);
+    text = value;
   } else if (type == "b") {
-    cell = Cell::text(value == "1" ? "TRUE" : "FALSE");
+    text = value == "1" ? "TRUE" : "FALSE";
   } else if (const auto number = decimalNumber(value)) {
-    cell = Cell::number(*number);
+    entry.isNumber = true;
+    entry.number = *number;
   } else {
-    cell = Cell::text(value);
+    text = value;
   }
-  if (column < 1 || column > kMaxColumn || row < 1 || row > kMaxRow) return;
-  if (!cell.isNumber()) textBytes += cell.asText().size();
-  if (++cellCount > kMaxCells || textBytes > kMaxTextBytes) {
-    tooLarge = true;
-    stop();
+  if (!entry.isNumber && text.empty()) return;  // blank: nothing to keep
+
+  if (entries.size() == kMaxCells) {
+    throw XLSXReadError::unsupported("the first sheet has more than 2,000,000 cells");
+  }
+  if (cellText.size() + text.size() > kMaxTextBytes) {
+    throw XLSXReadError::unsupported("the first sheet holds more than 128 MB of text");
+  }
+  entry.textOffset = cellText.size();
+  entry.textLength = static_cast<std::uint32_t>(text.size());
+  cellText += text;
+
+  const auto rowNumber = static_cast<std::uint32_t>(row);
+  if (!runs.empty() && runs.back().row == rowNumber) {
+    if (entries.back().column >= entry.column) inOrder = false;
+    ++runs.back().entryCount;
+  } else {
+    if (!runs.empty() && runs.back().row > rowNumber) inOrder = false;
+    runs.push_back({rowNumber, entries.size(), 1});
+  }
+  entries.push_back(entry);
+}
+
+void SheetParser::forEachRow(const RowHandler& handler) const {
+  std::vector<CellView> dense;
+  const auto view = [&](const Entry& e) {
+    return CellView{e.isNumber, e.number, std::string_view(cellText).substr(e.textOffset, e.textLength)};
+  };
+  if (inOrder) {
+    for (const Run& run : runs) {
+      const Entry& last = entries[run.firstEntry + run.entryCount - 1];
+      dense.assign(last.column, CellView{});
+      for (std::size_t i = run.firstEntry; i < run.firstEntry + run.entryCount; ++i) {
+        dense[entries[i].column - 1] = view(entries[i]);
+      }
+      handler(run.row, dense);
+    }
     return;
   }
-  rows[static_cast<std::uint32_t>(row)][static_cast<std::uint32_t>(column)] = std::move(cell);
+  // Rows or cells out of order, or repeated: gather each row's runs in
+  // document order, so a later cell at a position wins.
+  std::vector<std::size_t> order(runs.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return runs[a].row < runs[b].row; });
+  for (std::size_t i = 0; i < order.size();) {
+    const std::uint32_t rowNumber = runs[order[i]].row;
+    std::uint32_t width = 0;
+    std::size_t j = i;
+    for (; j < order.size() && runs[order[j]].row == rowNumber; ++j) {
+      const Run& run = runs[order[j]];
+      for (std::size_t k = run.firstEntry; k < run.firstEntry + run.entryCount; ++k) {
+        width = std::max(width, entries[k].column);
+      }
+    }
+    dense.assign(width, CellView{});
+    for (std::size_t k = i; k < j; ++k) {
+      const Run& run = runs[order[k]];
+      for (std::size_t e = run.firstEntry; e < run.firstEntry + run.entryCount; ++e) {
+        dense[entries[e].column - 1] = view(entries[e]);
+      }
+    }
+    handler(rowNumber, dense);
+    i = j;
+  }
 }
 
 std::optional<std::string> partPath(std::string_view target) {

@@ -13,24 +13,28 @@ constexpr std::string_view kWorkbookRelsPart = "xl/_rels/workbook.xml.rels";
 constexpr std::string_view kDefaultSheetPart = "xl/worksheets/sheet1.xml";
 constexpr std::string_view kDefaultSharedStringsPart = "xl/sharedStrings.xml";
 
-XLSXReadError tooLarge() { return XLSXReadError::unsupported("the first sheet is too large"); }
-
-const std::string* part(const std::map<std::string, std::string>& parts, std::string_view name) {
-  const auto it = parts.find(std::string(name));
-  return it == parts.end() ? nullptr : &it->second;
+// The source of one part's XML, unpacked as it is read; absent when the
+// archive has no such part.
+std::optional<XmlSource> part(std::string_view data, const std::map<std::string, ZipReader::Member>& members,
+                              std::string_view name) {
+  const auto it = members.find(std::string(name));
+  if (it == members.end()) return std::nullopt;
+  const ZipReader::Member member = it->second;
+  return XmlSource(
+      [data, member](const std::function<void(std::string_view)>& sink) { ZipReader::unpack(data, member, sink); });
 }
 
 }  // namespace
 
-std::vector<std::vector<Cell>> firstSheetRows(std::string_view data) {
-  const auto parts = ZipReader::entries(data);
-  const std::string* workbook = part(parts, kWorkbookPart);
-  if (workbook == nullptr) throw XLSXReadError::notAWorkbook();
+void forEachFirstSheetRow(std::string_view data, const RowHandler& handler) {
+  const auto members = ZipReader::directory(data);
+  const auto workbook = part(data, members, kWorkbookPart);
+  if (!workbook) throw XLSXReadError::notAWorkbook();
 
   FirstSheetParser firstSheet;
   if (!firstSheet.parse(*workbook)) throw XLSXReadError::notAWorkbook();
   RelationshipParser relationships;
-  if (const std::string* rels = part(parts, kWorkbookRelsPart)) {
+  if (const auto rels = part(data, members, kWorkbookRelsPart)) {
     if (!relationships.parse(*rels)) throw XLSXReadError::notAWorkbook();
   }
 
@@ -45,8 +49,8 @@ std::vector<std::vector<Cell>> firstSheetRows(std::string_view data) {
       sheetPath = *resolved;
     }
   }
-  const std::string* sheet = part(parts, sheetPath);
-  if (sheet == nullptr) throw XLSXReadError::noSheet();
+  const auto sheet = part(data, members, sheetPath);
+  if (!sheet) throw XLSXReadError::noSheet();
 
   // Shared strings: the part the workbook's relationships name, else the
   // conventional one.
@@ -58,26 +62,26 @@ std::vector<std::vector<Cell>> firstSheetRows(std::string_view data) {
     }
   }
   SharedStringsParser shared;
-  if (const std::string* strings = part(parts, sharedPath)) {
+  if (const auto strings = part(data, members, sharedPath)) {
     if (!shared.parse(*strings)) throw XLSXReadError::noSheet();
   }
 
   SheetParser cells(shared.strings);
-  const bool parsed = cells.parse(*sheet);
-  if (cells.tooLarge) throw tooLarge();
-  if (!parsed) throw XLSXReadError::noSheet();
+  if (!cells.parse(*sheet)) throw XLSXReadError::noSheet();
+  cells.forEachRow(handler);
+}
 
-  std::size_t denseCells = 0;
-  for (const auto& [number, row] : cells.rows) denseCells += row.rbegin()->first;
-  if (denseCells > SheetParser::kMaxCells) throw tooLarge();
-
+std::vector<std::vector<Cell>> firstSheetRows(std::string_view data) {
   std::vector<std::vector<Cell>> rows;
-  rows.reserve(cells.rows.size());
-  for (auto& [number, row] : cells.rows) {
-    std::vector<Cell> dense(row.rbegin()->first, Cell::text({}));
-    for (auto& [column, cell] : row) dense[column - 1] = std::move(cell);
-    rows.push_back(std::move(dense));
-  }
+  std::size_t denseCells = 0;
+  forEachFirstSheetRow(data, [&](std::uint32_t, const std::vector<CellView>& cells) {
+    denseCells += cells.size();
+    if (denseCells > SheetParser::kMaxCells) throw XLSXReadError::unsupported("the first sheet is too large");
+    std::vector<Cell> row;
+    row.reserve(cells.size());
+    for (const CellView& cell : cells) row.push_back(cell.cell());
+    rows.push_back(std::move(row));
+  });
   return rows;
 }
 

@@ -11,7 +11,6 @@ namespace orvane::XlsxWriter {
 namespace {
 
 constexpr double kUnixEpochSerial = 25569.0;  // 1970-01-01 as a spreadsheet serial
-constexpr std::size_t kMaxCellUnits = 32767;
 
 // Style indices into cellXfs of styles.xml below.
 constexpr int kStyleBold = 1;
@@ -77,6 +76,11 @@ char32_t decode(std::string_view s, std::size_t& i) {
   return cp;
 }
 
+// Whether a code point is dropped from cells: XML cannot carry it.
+bool dropped(char32_t cp) {
+  return (cp < 0x20 && cp != '\t' && cp != '\n' && cp != '\r') || cp == 0xFFFE || cp == 0xFFFF;
+}
+
 // `text` as XML character data, made safe as promised in the header.
 std::string escaped(std::string_view text) {
   std::string out;
@@ -84,7 +88,7 @@ std::string escaped(std::string_view text) {
   std::size_t units = 0;
   for (std::size_t i = 0; i < text.size();) {
     const char32_t cp = decode(text, i);
-    if ((cp < 0x20 && cp != '\t' && cp != '\n' && cp != '\r') || cp == 0xFFFE || cp == 0xFFFF) continue;
+    if (dropped(cp)) continue;
     units += cp >= 0x10000 ? 2 : 1;
     if (units > kMaxCellUnits) break;
     switch (cp) {
@@ -109,6 +113,25 @@ std::string escaped(std::string_view text) {
   }
   return out;
 }
+
+}  // namespace
+
+CellFit cellFit(std::string_view text) {
+  CellFit fit;
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t at = i;
+    const char32_t cp = decode(text, i);
+    const bool replaced = cp == 0xFFFD && !text.substr(at).starts_with("\xEF\xBF\xBD");
+    if (dropped(cp) || replaced) {
+      fit.keepsEveryCharacter = false;
+    } else {
+      fit.units += cp >= 0x10000 ? 2 : 1;
+    }
+  }
+  return fit;
+}
+
+namespace {
 
 std::string columnLetters(std::size_t index) {  // 0 -> "A"
   std::string letters;

@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/Timestamp.h"
@@ -45,6 +46,19 @@ struct Sheet {
 // dropped, and a cell keeps at most 32,767 UTF-16 units (Excel's cell limit).
 // A number that is not finite is written as an empty cell.
 std::string workbook(std::span<const Sheet> sheets);
+
+// The most UTF-16 units a cell holds (Excel's limit); workbook() cuts longer
+// texts, so callers that must not lose text check cellFit() first.
+inline constexpr std::size_t kMaxCellUnits = 32767;
+
+// What a cell makes of `text`: the UTF-16 units it takes once made safe as
+// workbook() does, and whether every character survives (false when it
+// holds invalid UTF-8 or a character XML cannot carry).
+struct CellFit {
+  std::size_t units = 0;
+  bool keepsEveryCharacter = true;
+};
+CellFit cellFit(std::string_view text);
 
 // A width that fits `texts` (the longest, in characters), kept within
 // [minimum, maximum].

@@ -48,7 +48,11 @@ std::size_t findEndRecord(std::string_view d) {
 
 }  // namespace
 
-std::string inflate(std::string_view data, std::size_t expectedSize) {
+namespace {
+
+// Raw DEFLATE decoding of `data` into slices handed to `sink`; exactly
+// `expectedSize` bytes must come out and the stream must end.
+void inflateInto(std::string_view data, std::size_t expectedSize, const std::function<void(std::string_view)>& sink) {
   if (expectedSize > kMaxUnpackedBytes) throw unpackFailure();
   z_stream stream{};
   if (inflateInit2(&stream, -15) != Z_OK) throw unpackFailure();
@@ -57,7 +61,8 @@ std::string inflate(std::string_view data, std::size_t expectedSize) {
     ~Guard() { inflateEnd(s); }
   } guard{&stream};
 
-  std::string out;
+  std::string buffer(kInflateChunk, '\0');
+  std::size_t produced = 0;
   // Input is fed in slices that fit zlib's 32-bit counters.
   std::size_t consumed = 0;
   int status = Z_OK;
@@ -69,30 +74,36 @@ std::string inflate(std::string_view data, std::size_t expectedSize) {
       consumed += slice;
     }
     // Room for one byte more than expected, so an overlong stream is noticed
-    // without ever holding more than expectedSize + 1 bytes.
-    const std::size_t room = expectedSize + 1 - out.size();
-    const std::size_t chunk = std::min(kInflateChunk, room);
-    const std::size_t before = out.size();
-    out.resize(before + chunk);
-    stream.next_out = reinterpret_cast<Bytef*>(out.data() + before);
+    // before a byte too many is handed on.
+    const std::size_t chunk = std::min(kInflateChunk, expectedSize + 1 - produced);
+    stream.next_out = reinterpret_cast<Bytef*>(buffer.data());
     stream.avail_out = static_cast<uInt>(chunk);
     status = ::inflate(&stream, Z_NO_FLUSH);
-    out.resize(before + (chunk - stream.avail_out));
-    if (out.size() > expectedSize) throw unpackFailure();
+    const std::size_t got = chunk - stream.avail_out;
+    produced += got;
+    if (produced > expectedSize) throw unpackFailure();
+    if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) throw unpackFailure();
+    if (got > 0) sink(std::string_view(buffer.data(), got));
     if (status == Z_STREAM_END) break;
     if (status == Z_BUF_ERROR) {
       // No progress possible: more input helps only if some is left.
       if (stream.avail_in == 0 && consumed < data.size()) continue;
       throw unpackFailure();
     }
-    if (status != Z_OK) throw unpackFailure();
     if (stream.avail_in == 0 && consumed == data.size() && stream.avail_out != 0) throw unpackFailure();
   }
-  if (out.size() != expectedSize) throw unpackFailure();
+  if (produced != expectedSize) throw unpackFailure();
+}
+
+}  // namespace
+
+std::string inflate(std::string_view data, std::size_t expectedSize) {
+  std::string out;
+  inflateInto(data, expectedSize, [&](std::string_view slice) { out += slice; });
   return out;
 }
 
-std::map<std::string, std::string> entries(std::string_view d) {
+std::map<std::string, Member> directory(std::string_view d) {
   const std::size_t end = findEndRecord(d);
   const std::uint16_t count = read16(d, end + 10);
   const std::uint32_t directoryOffset = read32(d, end + 16);
@@ -100,17 +111,17 @@ std::map<std::string, std::string> entries(std::string_view d) {
   // before the end record is refused before anything is walked.
   if (static_cast<std::uint64_t>(count) * kDirectoryHeaderSize > end) throw XLSXReadError::notAWorkbook();
 
-  std::map<std::string, std::string> result;
-  std::uint64_t declaredTotal = 0;
+  std::map<std::string, Member> result;
   std::uint64_t at = directoryOffset;
   for (std::uint16_t i = 0; i < count; ++i) {
     if (!fits(d, at, kDirectoryHeaderSize) || read32(d, at) != kDirectorySignature) {
       throw XLSXReadError::notAWorkbook();
     }
     const std::uint16_t flags = read16(d, at + 8);
-    const std::uint16_t method = read16(d, at + 10);
-    const std::uint32_t compressedSize = read32(d, at + 20);
-    const std::uint32_t uncompressedSize = read32(d, at + 24);
+    Member member;
+    member.method = read16(d, at + 10);
+    member.compressedSize = read32(d, at + 20);
+    member.uncompressedSize = read32(d, at + 24);
     const std::uint16_t nameLength = read16(d, at + 28);
     const std::uint16_t extraLength = read16(d, at + 30);
     const std::uint16_t commentLength = read16(d, at + 32);
@@ -122,23 +133,50 @@ std::map<std::string, std::string> entries(std::string_view d) {
     if (!fits(d, localOffset, kLocalHeaderSize) || read32(d, localOffset) != kLocalSignature) {
       throw XLSXReadError::notAWorkbook();
     }
-    const std::uint64_t dataStart =
+    member.dataStart =
         std::uint64_t{localOffset} + kLocalHeaderSize + read16(d, localOffset + 26) + read16(d, localOffset + 28);
-    if (!fits(d, dataStart, compressedSize)) throw XLSXReadError::notAWorkbook();
+    if (!fits(d, member.dataStart, member.compressedSize)) throw XLSXReadError::notAWorkbook();
     if (flags & 0x0001u) throw XLSXReadError::unsupported("a part is encrypted");
+    result.emplace(std::move(name), member);
+  }
+  return result;
+}
 
-    const std::string_view packed = d.substr(dataStart, compressedSize);
-    const std::uint64_t unpackedSize = method == 0 ? compressedSize : uncompressedSize;
-    declaredTotal += unpackedSize;
-    if (unpackedSize > kMaxUnpackedBytes || declaredTotal > kMaxUnpackedBytes) throw unpackFailure();
+void unpack(std::string_view d, const Member& member, const std::function<void(std::string_view)>& sink) {
+  const std::string_view packed = d.substr(member.dataStart, member.compressedSize);
+  const std::uint64_t unpackedSize = member.method == 0 ? member.compressedSize : member.uncompressedSize;
+  if (unpackedSize > kMaxUnpackedBytes) throw unpackFailure();
+  if (member.method == 0) {
+    for (std::size_t at = 0; at < packed.size(); at += kInflateChunk) sink(packed.substr(at, kInflateChunk));
+  } else if (member.method == 8) {
+    inflateInto(packed, member.uncompressedSize, sink);
+  } else {
+    throw XLSXReadError::unsupported("compression method " + std::to_string(member.method));
+  }
+}
+
+std::map<std::string, std::string> entries(std::string_view d) {
+  // Directory order decides which of two members with one name wins, and
+  // the order of the checks: walk it as the directory lists it.
+  const std::size_t end = findEndRecord(d);
+  const std::uint16_t count = read16(d, end + 10);
+  const std::uint32_t directoryOffset = read32(d, end + 16);
+  if (static_cast<std::uint64_t>(count) * kDirectoryHeaderSize > end) throw XLSXReadError::notAWorkbook();
+  const auto members = directory(d);
+
+  std::map<std::string, std::string> result;
+  std::uint64_t declaredTotal = 0;
+  std::uint64_t at = directoryOffset;
+  for (std::uint16_t i = 0; i < count; ++i) {
+    const std::uint16_t nameLength = read16(d, at + 28);
+    std::string name(d.substr(at + kDirectoryHeaderSize, nameLength));
+    at += kDirectoryHeaderSize + nameLength + read16(d, at + 30) + read16(d, at + 32);
+    if (result.contains(name)) continue;
+    const Member& member = members.at(name);
+    declaredTotal += member.method == 0 ? member.compressedSize : member.uncompressedSize;
+    if (declaredTotal > kMaxUnpackedBytes) throw unpackFailure();
     std::string contents;
-    if (method == 0) {
-      contents.assign(packed);
-    } else if (method == 8) {
-      contents = inflate(packed, uncompressedSize);
-    } else {
-      throw XLSXReadError::unsupported("compression method " + std::to_string(method));
-    }
+    unpack(d, member, [&](std::string_view slice) { contents += slice; });
     result.emplace(std::move(name), std::move(contents));
   }
   return result;

@@ -76,6 +76,19 @@ TEST(CsvCodecTest, RefusesAnOpenQuoteAtTheEnd) {
   }
 }
 
+TEST(CsvCodecTest, RefusesARecordOfMoreFieldsThanASpreadsheetHasColumns) {
+  const std::string widest(CSV::kMaxFields - 1, ',');
+  EXPECT_EQ(CSV::parse(widest + "\nx", ',').front().size(), CSV::kMaxFields);
+  try {
+    CSV::parse("a\n" + widest + ",", ',');
+    ADD_FAILURE();
+  } catch (const CSVError& error) {
+    EXPECT_EQ(error, CSVError::tooManyFields());
+    EXPECT_STREQ(error.what(),
+                 "A record has more than 16,384 fields. Check that the file is a table with one ticket per line.");
+  }
+}
+
 TEST(CsvCodecTest, EncodesWithQuotingOnlyWhereNeeded) {
   EXPECT_EQ(CSV::encode({{" x", "x ", "say \"hi\"", "plain"}}), "\" x\",\"x \",\"say \"\"hi\"\"\",plain\n");
   EXPECT_EQ(CSV::encode({{"a,b", "c\nd", "e\rf"}, {"g"}}), "\"a,b\",\"c\nd\",\"e\rf\"\ng\n");

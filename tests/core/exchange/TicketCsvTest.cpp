@@ -137,6 +137,18 @@ TEST(TicketCsvTest, RefusesFilesThatCannotBeRead) {
   }
   EXPECT_STREQ(TicketCSVError::empty().what(), "The file is empty.");
   EXPECT_THROW(TicketCSV::parse("title\n\"open"), CSVError);
+
+  // One import takes at most kMaxRows data rows; blank lines do not count.
+  std::string rows = "title\n\n";
+  for (std::int64_t i = 0; i < TicketCSV::kMaxRows; ++i) rows += "\"\"\n";  // an empty title: one error each
+  EXPECT_EQ(TicketCSV::parse(rows).issues.size(), static_cast<std::size_t>(TicketCSV::kMaxRows));
+  try {
+    TicketCSV::parse(rows + "x\n");
+    ADD_FAILURE();
+  } catch (const TicketCSVError& error) {
+    EXPECT_EQ(error, TicketCSVError::tooManyRows());
+    EXPECT_STREQ(error.what(), "The file has more than 100,000 rows. Import at most 100,000 tickets at a time.");
+  }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "core/exchange/TicketXlsx.h"
 #include "core/exchange/XlsxReadError.h"
 #include "core/exchange/XlsxReader.h"
+#include "core/exchange/XlsxWriteError.h"
 #include "core/exchange/ZipArchive.h"
 #include "core/support/TempStore.h"
 
@@ -50,7 +51,7 @@ TEST(TicketXlsx, ConvertsToolWorkbooksToTicketCsv) {
   EXPECT_EQ(TicketXlsx::csv(sample("libreoffice_tickets.xlsx")),
             "summary,status,blocked,started,done_at,estimate\n"
             "Write docs,In progress,1,2025-10-01,2025-10-01T12:00:00Z,1000000\n"
-            ",sparse,,-0.25\n"
+            ",sparse,,1899-12-29T18:00:00Z\n"  // a serial below 1 is a date like any other
             "Write docs,Done,0\n");
 
   const ParsedImport parsed = TicketCSV::parse(TicketXlsx::csv(sample("openpyxl_tickets.xlsx")));
@@ -69,14 +70,24 @@ TEST(TicketXlsx, WritesNumbersAndDateSerialsAsText) {
                     "<row r=\"4\">" + str("A4", "c") + str("B4", "2026-10-05") + num("C4", "0.1") + "</row>" +
                     "<row r=\"5\">" + str("A5", "d") + num("B5", "1e9") + num("C5", "-0") + "</row>" +
                     "<row r=\"6\"><c r=\"A6\"/><c r=\"F6\"/></row>" +  // styled blanks: no row at all
-                    "<row r=\"7\">" + str("A7", "e") + "<c r=\"E7\"/>" + str("G7", "extra") + "<c r=\"H7\"/></row>");
+                    "<row r=\"7\">" + str("A7", "e") + "<c r=\"E7\"/>" + str("G7", "extra") + "<c r=\"H7\"/></row>" +
+                    // Serials of 0 and below follow the same rule as any other.
+                    "<row r=\"8\">" + str("A8", "f") + num("B8", "0") + "</row>" + "<row r=\"9\">" + str("A9", "g") +
+                    num("B9", "-1") + "</row>" + "<row r=\"10\">" + str("A10", "h") + num("B10", "-0.5") + "</row>" +
+                    "<row r=\"11\">" + str("A11", "i") + num("B11", "-693593") + "</row>" + "<row r=\"12\">" +
+                    str("A12", "j") + num("B12", "-693594") + "</row>");
   EXPECT_EQ(TicketXlsx::csv(xlsx),
             "Title,Due,Points\n"
             "a,2025-10-01,123456789012345\n"
             "b,2025-10-01T12:00:00Z,1e+15\n"
             "c,2026-10-05,0.1\n"
             "d,1000000000,0\n"
-            "e,,,,,,extra\n");
+            "e,,,,,,extra\n"
+            "f,1899-12-30\n"
+            "g,1899-12-29\n"
+            "h,1899-12-29T12:00:00Z\n"
+            "i,0001-01-01\n"
+            "j,-693594\n");  // before the year 1: no ISO date, so the import refuses it
   EXPECT_EQ(TicketXlsx::csv(sheetWorkbook("")), "");
   try {
     TicketXlsx::csv("PK not really");
@@ -84,6 +95,33 @@ TEST(TicketXlsx, WritesNumbersAndDateSerialsAsText) {
   } catch (const XLSXReadError& e) {
     EXPECT_STREQ(e.what(), "The file is not an Excel workbook (.xlsx).");
   }
+}
+
+// Blank but styled rows, rows that only set a height and rows the file leaves
+// out must not shift the row numbers of later issues.
+TEST(TicketXlsx, IssuesCarryTheSheetsOwnRowNumbers) {
+  const ParsedImport parsed = TicketXlsx::parse(sample("styled_gaps_tickets.xlsx"));
+  const std::vector<ImportIssue> expected{
+      {1, "Column \"points\" is not recognised and was ignored.", false},
+      {4, "created_at \"someday\" is not a valid date. Use 2026-10-05 or 2026-10-05T09:30:00Z. Row skipped.", true},
+      {7, "The title is empty. Row skipped.", true},
+      {10, "Priority \"soonish\" is not recognised; Medium was used.", false},
+  };
+  EXPECT_EQ(parsed.issues, expected);
+  ASSERT_EQ(parsed.rows.size(), 3u);
+  EXPECT_EQ(parsed.rows[0].rowNumber, 2);
+  EXPECT_EQ(parsed.rows[1].rowNumber, 8);
+  EXPECT_EQ(parsed.rows[1].createdAt, at(1899, 12, 29, 0));
+  EXPECT_EQ(parsed.rows[1].dueDate, at(1899, 12, 30, 0));
+  EXPECT_EQ(parsed.rows[2].rowNumber, 10);
+
+  // A header below empty rows numbers its own warnings.
+  const ParsedImport late = TicketXlsx::parse(sheetWorkbook("<row r=\"3\">" + str("A3", "Title") + str("B3", "Size") +
+                                                            "</row><row r=\"5\">" + str("A5", "x") + "</row>"));
+  EXPECT_EQ(late.issues, (std::vector<ImportIssue>{{3, "Column \"Size\" is not recognised and was ignored.", false}}));
+  ASSERT_EQ(late.rows.size(), 1u);
+  EXPECT_EQ(late.rows[0].rowNumber, 5);
+  EXPECT_THROW(TicketXlsx::parse(sheetWorkbook("<row r=\"1\"><c r=\"A1\" s=\"1\"/></row>")), TicketCSVError);
 }
 
 struct DemoProject {
@@ -98,6 +136,54 @@ TEST(TicketXlsx, ExportedWorkbookImportsLikeTheCsvExport) {
   const ParsedImport fromCsv = TicketCSV::parse(TicketCSV::exportText(demo.snapshot));
   ASSERT_GT(fromCsv.rows.size(), 10u);
   EXPECT_EQ(TicketCSV::parse(TicketXlsx::csv(xlsx)), fromCsv);
+}
+
+// A cell holds 32,767 UTF-16 units. Export writes every text whole or
+// refuses before writing, naming the ticket and the field.
+TEST(TicketXlsx, ExportNeverCutsAText) {
+  DemoProject demo;
+  Ticket& ticket = demo.snapshot.tickets.front();
+  const std::string reference = demo.snapshot.referenceCode(ticket);
+  const std::string emoji = "\xF0\x9F\x98\x80";  // two units
+  std::string halfEmoji;
+  for (int i = 0; i < 16383; ++i) halfEmoji += emoji;
+  struct Case {
+    const char* what;
+    std::string details;
+    std::string refusal;  // empty: written whole
+  };
+  const std::vector<Case> cases{
+      {"exactly a cell", std::string(32767, 'x'), ""},
+      {"a cell of two-unit characters", halfEmoji + "x", ""},
+      {"one unit more", halfEmoji + "xy",
+       "The \"description\" cell of " + reference +
+           " has 32,768 characters, more than the 32,767 an Excel cell can hold. "
+           "Nothing was exported; CSV export keeps every character."},
+      {"far more", std::string(100000, 'z'),
+       "The \"description\" cell of " + reference +
+           " has 100,000 characters, more than the 32,767 an Excel cell can "
+           "hold. Nothing was exported; CSV export keeps every character."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ticket.details = c.details;
+    try {
+      const ParsedImport back = TicketXlsx::parse(TicketXlsx::exportWorkbook(demo.snapshot));
+      EXPECT_EQ(back, TicketCSV::parse(TicketCSV::exportText(demo.snapshot)));
+      EXPECT_TRUE(c.refusal.empty());
+    } catch (const XLSXWriteError& error) {
+      EXPECT_EQ(error.what(), c.refusal);
+    }
+  }
+  ticket.details.clear();
+  ticket.tags = {std::string(20000, 'a'), std::string(20000, 'b')};
+  try {
+    TicketXlsx::exportWorkbook(demo.snapshot);
+    ADD_FAILURE();
+  } catch (const XLSXWriteError& error) {
+    EXPECT_NE(std::string(error.what()).find("The \"tags\" cell of " + reference + " has 40,001 characters"),
+              std::string::npos);
+  }
 }
 
 TEST(TicketXlsx, TemplateReadsBackAsOneCleanRow) {

@@ -164,6 +164,52 @@ TEST(XlsxReader, RefusesASheetThatWouldNotFitInMemory) {
             "This workbook cannot be read: the first sheet is too large");
 }
 
+// Small files that would expand into gigabytes are refused at a bound, with
+// a sentence that names it.
+TEST(XlsxReader, RefusesPartsPastTheReadersBounds) {
+  std::string deep;
+  for (int i = 0; i < 300; ++i) deep += "<a>";
+  for (int i = 0; i < 300; ++i) deep += "</a>";
+  std::string manyStrings = "<sst>";
+  for (int i = 0; i < 4'000'001; ++i) manyStrings += "<si/>";
+  manyStrings += "</sst>";
+  std::string cellRow = "<row>";
+  for (int i = 0; i < 200; ++i) cellRow += "<c><v>1</v></c>";
+  cellRow += "</row>";
+  std::string manyCells;
+  for (int i = 0; i < 10'001; ++i) manyCells += cellRow;
+  const std::string cells = sheet(R"(<row r="1"><c r="A1" t="inlineStr"><is><t>x</t></is></c></row>)");
+  struct Case {
+    const char* what;
+    std::vector<ZipArchive::File> parts;
+    std::string sentence;
+  };
+  const std::vector<Case> cases{
+      {"deep sheet",
+       {{"xl/workbook.xml", kWorkbook}, {"xl/worksheets/sheet1.xml", sheet("<row>" + deep + "</row>")}},
+       "This workbook cannot be read: a part nests its elements more than 256 levels deep"},
+      {"deep workbook",
+       {{"xl/workbook.xml", "<workbook>" + deep + "</workbook>"}, {"xl/worksheets/sheet1.xml", cells}},
+       "This workbook cannot be read: a part nests its elements more than 256 levels deep"},
+      {"empty shared strings by the million",
+       {{"xl/workbook.xml", kWorkbook}, {"xl/sharedStrings.xml", manyStrings}, {"xl/worksheets/sheet1.xml", cells}},
+       "This workbook cannot be read: the workbook has more than 4,000,000 shared strings"},
+      {"cells by the million",
+       {{"xl/workbook.xml", kWorkbook}, {"xl/worksheets/sheet1.xml", sheet(manyCells)}},
+       "This workbook cannot be read: the first sheet has more than 2,000,000 cells"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(refusal(workbook(c.parts)), c.sentence) << c.what;
+
+  // Blank cells cost nothing, however many: a styled range is read, not refused.
+  std::string blanks;
+  for (int i = 0; i < 2'100'000; ++i) blanks += "<c s=\"1\"/>";
+  EXPECT_EQ(XLSXReader::firstSheetRows(
+                workbook({{"xl/workbook.xml", kWorkbook},
+                          {"xl/worksheets/sheet1.xml",
+                           sheet(R"(<row r="1"><c r="A1"><v>7</v></c></row><row>)" + blanks + "</row>")}})),
+            Rows{{N(7)}});
+}
+
 TEST(XlsxReader, CellReferences) {
   EXPECT_EQ(XLSXReader::cellReference("A1"), std::pair(std::uint64_t{1}, std::uint64_t{1}));
   EXPECT_EQ(XLSXReader::cellReference("AB12"), std::pair(std::uint64_t{28}, std::uint64_t{12}));
