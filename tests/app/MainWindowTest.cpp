@@ -303,10 +303,10 @@ void MainWindowTest::everyViewAndSheetFitsASmallScreen() {
   fits(new ProjectSetupDialog(*f.context, project, &window), "report recipients");
   fits(new AddColumnDialog(&window), "add column");
   fits(new EpicDialog(
-           f.context->calendar(), snapshot.epics.front(), [](auto&&...) { return true; }, &window),
+           f.context->calendar(), snapshot.epics, snapshot.epics.front(), [](auto&&...) { return true; }, &window),
        "epic");
   fits(new IterationDialog(
-           f.context->calendar(), std::nullopt, now, [](auto&&...) { return true; }, &window),
+           f.context->calendar(), snapshot.iterations, std::nullopt, now, [](auto&&...) { return true; }, &window),
        "iteration");
   fits(new MilestoneDialog(
            f.context->calendar(), snapshot.epics, std::nullopt, now, [](auto&&...) { return true; }, &window),
