@@ -13,12 +13,8 @@
 namespace orvane {
 namespace {
 
+using testing::bytesOf;
 using testing::TempDir;
-
-std::string bytesOf(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void writeFile(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
