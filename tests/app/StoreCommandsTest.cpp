@@ -19,7 +19,7 @@ class StoreCommandsTest : public QObject {
   void backupNameCarriesTheDay();
   void restoreAddsProjectsAndChangesNone();
   void refusedRestoreShowsTheReasonAndAddsNothing();
-  void restoreMessageCountsSkippedProblems();
+  void restoreMessageListsTheWarnings();
 };
 
 void StoreCommandsTest::backupNameCarriesTheDay() {
@@ -77,14 +77,14 @@ void StoreCommandsTest::refusedRestoreShowsTheReasonAndAddsNothing() {
   QCOMPARE(f.board().projects().size(), std::size_t(1));
 }
 
-void StoreCommandsTest::restoreMessageCountsSkippedProblems() {
+void StoreCommandsTest::restoreMessageListsTheWarnings() {
   Backup::Report report;
   report.projects = 1;
   report.forecasts = 4;
   report.warnings = {"a", "b", "c"};
   QCOMPARE(StoreCommands::restoreMessage(report),
            QString("Restored 1 project(s) with 4 saved forecasts. Nothing existing was changed. "
-                   "3 minor problem(s) were skipped."));
+                   "3 warning(s):\na\nb\nc"));
 }
 
 QTEST_MAIN(StoreCommandsTest)
