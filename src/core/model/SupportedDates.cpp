@@ -7,7 +7,7 @@
 namespace orvane {
 namespace {
 
-constexpr double firstSupportedSecond = -62167219200.0;  // 0000-01-01T00:00:00Z
+constexpr double firstSupportedSecond = -62167219200.0;   // 0000-01-01T00:00:00Z
 constexpr double endOfSupportedSeconds = 253402300800.0;  // 10000-01-01T00:00:00Z
 
 }  // namespace
