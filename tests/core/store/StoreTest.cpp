@@ -104,5 +104,32 @@ TEST(Store, DeletingAProjectTakesEverythingButThePeople) {
   EXPECT_EQ(t.store.db().scalarInt("PRAGMA foreign_key_check"), 0);
 }
 
+TEST(Store, ATransactionInsideAnotherIsASavepointOfIt) {
+  testing::TempStore t;
+  Database& db = t.store.db();
+  const auto people = [&] { return db.scalarInt("SELECT count(*) FROM people"); };
+  {
+    Transaction outer(db);
+    t.service.createPerson("Ann", std::nullopt);
+    // A refused inner operation takes back only its own work.
+    try {
+      Transaction inner(db);
+      t.service.createPerson("Bob", std::nullopt);
+      t.service.createPerson("ann", std::nullopt);
+    } catch (const PMError&) {
+    }
+    EXPECT_EQ(people(), 1);
+    t.service.createPerson("Cy", std::nullopt);
+    // Nothing is committed until the outer transaction is: it rolls back whole.
+  }
+  EXPECT_EQ(people(), 0);
+  {
+    Transaction outer(db);
+    t.service.createPerson("Ann", std::nullopt);
+    outer.commit();
+  }
+  EXPECT_EQ(people(), 1);
+}
+
 }  // namespace
 }  // namespace orvane
