@@ -19,6 +19,7 @@
 #include <set>
 
 #include "core/exchange/IsoDateTime.h"
+#include "core/model/SupportedDates.h"
 #include "engine/CivilDate.h"
 
 namespace orvane::app {
@@ -196,10 +197,15 @@ ImportDialog::ImportDialog(ParsedImport parsed, const ImportReport& preview, con
     if (row.createdAt && (!earliest || *row.createdAt < *earliest)) earliest = row.createdAt;
   }
   if (earliest && *earliest < projectStart) {
-    extend_->setToolTip(QStringLiteral("The project would start on %1 instead of %2, so charts and forecasts see "
+    // A start no calendar day holds (a store from before dates were
+    // checked) is not shown; extending replaces it.
+    const QString instead = isSupportedDate(projectStart)
+                                ? QStringLiteral(" instead of ") +
+                                      QString::fromStdString(CivilDate::fromUtc(projectStart).description())
+                                : QString();
+    extend_->setToolTip(QStringLiteral("The project would start on %1%2, so charts and forecasts see "
                                        "the imported history.")
-                            .arg(QString::fromStdString(CivilDate::fromUtc(*earliest).description()),
-                                 QString::fromStdString(CivilDate::fromUtc(projectStart).description())));
+                            .arg(QString::fromStdString(CivilDate::fromUtc(*earliest).description()), instead));
   } else {
     extend_->setEnabled(false);
     extend_->setToolTip(QStringLiteral("No created date in the file lies before the project's start."));

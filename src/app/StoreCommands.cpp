@@ -160,8 +160,10 @@ QString StoreCommands::restoreMessage(const Backup::Report& report) {
   QString message = QStringLiteral("Restored %1 project(s) with %2 saved forecasts. Nothing existing was changed.")
                         .arg(report.projects)
                         .arg(report.forecasts);
-  if (!report.warnings.empty())
-    message += QStringLiteral(" %1 minor problem(s) were skipped.").arg(static_cast<qint64>(report.warnings.size()));
+  if (!report.warnings.empty()) {
+    message += QStringLiteral(" %1 warning(s):").arg(static_cast<qint64>(report.warnings.size()));
+    for (const std::string& warning : report.warnings) message += QStringLiteral("\n") + QString::fromStdString(warning);
+  }
   return message;
 }
 

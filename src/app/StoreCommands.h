@@ -46,7 +46,8 @@ class StoreCommands : public QObject {
   // "orvane-backup-2026-03-05.json", dated in the user's calendar.
   QString defaultBackupName() const;
   // "Restored 2 project(s) with 5 saved forecasts. Nothing existing was
-  // changed.", then " 3 minor problem(s) were skipped." when some were.
+  // changed.", then " 3 warning(s):" and each warning on a line of its own
+  // (a renamed project, a dropped reference, a repaired value) when any.
   static QString restoreMessage(const Backup::Report& report);
 
  signals:

@@ -28,8 +28,11 @@ constexpr std::string_view restoreUsage =
     "\n"
     "Adds the projects of a backup file beside the ones already there; nothing\n"
     "is deleted or changed. People are matched by name. A project restored\n"
-    "into the store it came from is named with \" (restored)\". A file that\n"
-    "cannot be restored adds nothing. \"-\" reads standard input.\n"
+    "into the store it came from, or whose name is in use, is named with\n"
+    "\" (restored)\" (then \" (restored 2)\" ...); a key in use gets a digit\n"
+    "(SHOP2). Values the file should not hold are put right where there is one\n"
+    "right form (each listed as a warning); otherwise the file is refused. A\n"
+    "file that cannot be restored adds nothing. \"-\" reads standard input.\n"
     "\n"
     "  --json   print the report as a JSON object\n"
     "  --help   print this text\n";
@@ -99,7 +102,7 @@ int runRestore(std::span<const std::string> args, const CommandContext& context)
               << ", " << counted(report.milestones, "milestone") << " and " << dependencies(report.epicDependencies)
               << "; " << persons(report.people) << " added.\n";
   if (report.warnings.empty()) return exitOk;
-  context.out << counted(static_cast<std::int64_t>(report.warnings.size()), "minor problem") << " skipped:\n";
+  context.out << counted(static_cast<std::int64_t>(report.warnings.size()), "warning") << ":\n";
   for (const std::string& warning : report.warnings) context.out << "  " << warning << '\n';
   return exitOk;
 }

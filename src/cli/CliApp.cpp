@@ -29,6 +29,7 @@
 #include "cli/TicketCommands.h"
 #include "cli/TicketsCommand.h"
 #include "core/forecast/ForecastServiceError.h"
+#include "core/model/SupportedDates.h"
 #include "engine/ForecastError.h"
 
 namespace orvane::cli {
@@ -135,6 +136,9 @@ int runCli(std::span<const std::string> args, std::istream& in, std::ostream& ou
     err << error.what() << '\n';
     return exitUsage;
   } catch (const ForecastServiceError& error) {
+    err << error.what() << '\n';
+    return exitUsage;
+  } catch (const UnsupportedDateError& error) {
     err << error.what() << '\n';
     return exitUsage;
   } catch (const ForecastFailure& failure) {

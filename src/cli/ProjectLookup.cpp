@@ -1,6 +1,7 @@
 #include "cli/ProjectLookup.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "cli/CliError.h"
 #include "cli/NumberParsing.h"
@@ -23,8 +24,20 @@ std::string namesOf(const std::vector<Row>& rows) {
 ProjectSnapshot loadProject(BoardService& service, std::string_view nameOrKey) {
   const std::string wanted = text::trimmed(nameOrKey);
   const std::vector<Project> projects = service.projects();
-  auto found = std::find_if(projects.begin(), projects.end(),
-                            [&](const Project& p) { return text::equalIgnoringCase(p.name, wanted); });
+  const auto named = [&](const Project& p) { return text::equalIgnoringCase(p.name, wanted); };
+  auto found = std::find_if(projects.begin(), projects.end(), named);
+  if (found != projects.end() && std::count_if(projects.begin(), projects.end(), named) > 1) {
+    // Acting on one of them would be a guess; the keys tell them apart.
+    std::vector<Project> matching;
+    std::copy_if(projects.begin(), projects.end(), std::back_inserter(matching), named);
+    std::sort(matching.begin(), matching.end(), [](const Project& a, const Project& b) { return a.key < b.key; });
+    std::string candidates;
+    for (const Project& p : matching) {
+      candidates += (candidates.empty() ? "" : ", ") + inQuotes(p.name) + " (key " + p.key + ")";
+    }
+    throw CliError("Several projects are named " + inQuotes(wanted) + ": " + candidates +
+                   "; name the one you mean by its key.");
+  }
   if (found == projects.end()) {
     const auto keyed = [&](const Project& p) { return text::equalIgnoringCase(p.key, wanted); };
     found = std::find_if(projects.begin(), projects.end(), keyed);

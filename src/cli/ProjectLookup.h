@@ -9,7 +9,8 @@ namespace orvane::cli {
 // Finds what a command line names. Each throws CliError (exit 2) with a
 // sentence saying what was not found and what there is instead.
 
-// A project by its name (ignoring case) or, failing that, by its key.
+// A project by its name (ignoring case) or, failing that, by its key. A name
+// or key that several projects share is refused with the candidates listed.
 ProjectSnapshot loadProject(BoardService& service, std::string_view nameOrKey);
 
 // "SHOP-12", "shop-12" or just "12"; archived tickets included.

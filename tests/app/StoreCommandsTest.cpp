@@ -24,7 +24,7 @@ class StoreCommandsTest : public QObject {
   void backupNameCarriesTheDay();
   void restoreAddsProjectsAndChangesNone();
   void refusedRestoreShowsTheReasonAndAddsNothing();
-  void restoreMessageCountsSkippedProblems();
+  void restoreMessageListsTheWarnings();
   void newProjectSheetShowsThePrefixAsItWillBeStored();
   void recipientAddressesAreCheckedAsTheyAreTyped();
 };
@@ -57,9 +57,14 @@ void StoreCommandsTest::restoreAddsProjectsAndChangesNone() {
   window.selectProject(mine);
 
   const std::optional<QString> message = window.commands()->restoreFile(file);
-  QCOMPARE(message,
-           std::optional<QString>("Restored 2 project(s) with 0 saved forecasts. Nothing existing was changed."));
+  // The restored "Shop" gets a name of its own, and both keys are free ones.
+  QCOMPARE(message, std::optional<QString>(
+                        "Restored 2 project(s) with 0 saved forecasts. Nothing existing was changed. 3 warning(s):\n"
+                        "SHOP2: the key SHOP is already in use; the tickets are numbered SHOP2-1, SHOP2-2 and so on.\n"
+                        "SHOP3: \"Shop\" is already in use; restored as \"Shop (restored)\".\n"
+                        "SHOP3: the key SHOP is already in use; the tickets are numbered SHOP3-1, SHOP3-2 and so on."));
   QCOMPARE(f.board().projects().size(), std::size_t(3));
+  QCOMPARE(f.board().projects()[2].name, std::string("Shop (restored)"));
   QCOMPARE(window.sidebar()->count(), 3);
   QCOMPARE(window.selectedProject(), std::optional<Uuid>(mine));
   const ProjectSnapshot after = f.snapshot(mine);
@@ -94,14 +99,14 @@ void StoreCommandsTest::refusedRestoreShowsTheReasonAndAddsNothing() {
                ". It is a folder, not a file.");
 }
 
-void StoreCommandsTest::restoreMessageCountsSkippedProblems() {
+void StoreCommandsTest::restoreMessageListsTheWarnings() {
   Backup::Report report;
   report.projects = 1;
   report.forecasts = 4;
   report.warnings = {"a", "b", "c"};
   QCOMPARE(StoreCommands::restoreMessage(report),
            QString("Restored 1 project(s) with 4 saved forecasts. Nothing existing was changed. "
-                   "3 minor problem(s) were skipped."));
+                   "3 warning(s):\na\nb\nc"));
 }
 
 void StoreCommandsTest::newProjectSheetShowsThePrefixAsItWillBeStored() {

@@ -47,7 +47,10 @@ TEST_F(BackupCommand, backsUpAndRestoresWithAReport) {
 
   EXPECT_EQ(ok("a.sqlite", {"restore", path}),
             "Restored 1 project with 1 ticket, 0 saved forecasts, 0 iterations, 0 milestones and 0 epic "
-            "dependencies; 0 people added.\n");
+            "dependencies; 0 people added.\n"
+            "2 warnings:\n"
+            "  SHOP2: \"Shop\" is already in use; restored as \"Shop (restored)\".\n"
+            "  SHOP2: the key SHOP is already in use; the tickets are numbered SHOP2-1, SHOP2-2 and so on.\n");
   EXPECT_NE(ok("a.sqlite", {"projects"}).find("Shop (restored)"), std::string::npos);
 
   const auto json = nlohmann::json::parse(ok("b.sqlite", {"restore", "--json", path}));
@@ -55,11 +58,11 @@ TEST_F(BackupCommand, backsUpAndRestoresWithAReport) {
   EXPECT_EQ(json["warnings"], nlohmann::json::array());
 }
 
-TEST_F(BackupCommand, listsTheMinorProblemsItSkipped) {
+TEST_F(BackupCommand, listsTheWarnings) {
   EXPECT_EQ(ok("a.sqlite", {"restore", std::string(ORVANE_TEST_DATA_DIR) + "/backup/v4_dangling.json"}),
             "Restored 1 project with 1 ticket, 0 saved forecasts, 0 iterations, 0 milestones and 0 epic "
             "dependencies; 0 people added.\n"
-            "2 minor problems skipped:\n"
+            "2 warnings:\n"
             "  LSE: an epic dependency referred to a missing epic and was dropped.\n"
             "  LSE-7: a column move referred to a missing column and was dropped.\n");
 }
@@ -114,6 +117,29 @@ TEST_F(BackupCommand, keepsWhoMayReadTheBackupAndWritesThroughLinks) {
   EXPECT_EQ(orvane::testing::contentOf(shared), orvane::testing::contentOf(fresh));
   EXPECT_EQ(orvane::testing::modeOf(shared), 0640u);
   EXPECT_TRUE(orvane::testing::hiddenNames(dir.path()).empty());
+}
+
+TEST_F(BackupCommand, refusesAValueNoStoreMayHoldAndLaterCommandsWork) {
+  ok("a.sqlite", {"project", "create", "Shop"});
+  ok("a.sqlite", {"ticket", "add", "Shop", "Checkout"});
+  auto document = nlohmann::json::parse(ok("a.sqlite", {"backup", "-"}));
+  document["projects"][0]["createdAt"] = 1e300;
+  const CliRun refused = run("b.sqlite", {"restore", "-"}, document.dump());
+  EXPECT_EQ(refused.code, 2);
+  EXPECT_EQ(refused.err,
+            "This backup cannot be restored: project \"Shop\" has a createdAt outside the years 0000 to 9999. Nothing "
+            "was restored.\n");
+  EXPECT_EQ(ok("b.sqlite", {"projects"}), ok("c.sqlite", {"projects"}));  // as empty as a new store
+
+  document["projects"][0]["createdAt"] = 1772668800.0;
+  document["projects"][0]["nextTicketNumber"] = 9223372036854775807;
+  const CliRun repaired = run("b.sqlite", {"restore", "-"}, document.dump());
+  EXPECT_EQ(repaired.code, 0) << repaired.err;
+  EXPECT_NE(repaired.out.find("\n  SHOP: the next ticket number was beyond 999999999 and was lowered to 2.\n"),
+            std::string::npos)
+      << repaired.out;
+  EXPECT_EQ(ok("b.sqlite", {"ticket", "add", "Shop", "Next"}), "SHOP-2\n");
+  EXPECT_EQ(run("b.sqlite", {"health", "Shop"}).code, 0);
 }
 
 }  // namespace

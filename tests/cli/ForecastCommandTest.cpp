@@ -218,5 +218,23 @@ TEST_F(ForecastCommand, refusalsSayWhyAndChangeNothing) {
   EXPECT_EQ(orvane::testing::dumpStore(store.db()), before);
 }
 
+TEST_F(ForecastCommand, aStoredDateNoCalendarDayHoldsIsRefusedNotFatal) {
+  {
+    // As a version that did not check restored dates could have left it.
+    Store store = Store::open(path);
+    store.db().exec("UPDATE projects SET created_at = 1e300");
+  }
+  const std::string sentence =
+      "\"Demo: Web Shop\" holds a date outside the years 0000 to 9999 (its creation date), so it cannot be forecast "
+      "or measured.\n";
+  for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{
+           {"forecast", "when", "SHOP"}, {"forecast", "by-date", "SHOP", "2026-04-30"}, {"health", "SHOP"}}) {
+    const CliRun result = run(args);
+    EXPECT_EQ(result.code, 2) << args[1];
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, sentence);
+  }
+}
+
 }  // namespace
 }  // namespace orvane::cli::testing

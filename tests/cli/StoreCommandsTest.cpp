@@ -151,6 +151,23 @@ TEST_F(StoreCommands, demoLoadsOneMoreProjectEachTime) {
   EXPECT_EQ(run({"board", "shop"}).err, "Several projects have the key SHOP; name the project instead.\n");
 }
 
+TEST_F(StoreCommands, aNameSeveralProjectsShareIsRefusedWithTheCandidates) {
+  ok({"project", "create", "Shop"});
+  ok({"project", "create", "Shop two", "--key", "ST"});
+  {
+    // Two projects of one name, as older versions could restore them.
+    Store store = Store::open(path);
+    store.db().exec("UPDATE projects SET name = 'SHOP' WHERE key = 'ST'");
+  }
+  const CliRun result = run({"board", " shop "});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err,
+            "Several projects are named \"shop\": \"Shop\" (key SHOP), \"SHOP\" (key ST); name the one you mean by "
+            "its key.\n");
+  EXPECT_NE(ok({"board", "st"}).find("SHOP"), std::string::npos);
+}
+
 TEST(GlobalOptions, nowAcceptsADayOrAZonedDateTimeAndNothingElse) {
   const struct {
     std::string_view text;

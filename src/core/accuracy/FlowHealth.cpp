@@ -7,6 +7,7 @@
 
 #include "core/accuracy/HistoryDepth.h"
 #include "core/model/ProjectSnapshot.h"
+#include "core/model/SupportedDates.h"
 
 namespace orvane {
 namespace {
@@ -94,6 +95,7 @@ ThroughputTrend throughputTrend(double recent, double prior) {
 }
 
 FlowHealth flowHealth(const ProjectSnapshot& project, Timestamp now) {
+  requireSupportedDates(project);
   const CivilDate today = CivilDate::fromUtc(now);
   const std::vector<FlowTicket> tickets = flowTickets(project);
   FlowHealth h;

@@ -43,7 +43,8 @@ struct FlowHealth {
   friend bool operator==(const FlowHealth&, const FlowHealth&) = default;
 };
 
-// Today is the UTC day of `now`.
+// Today is the UTC day of `now`. Throws UnsupportedDateError when the
+// project holds a date outside the supported range.
 FlowHealth flowHealth(const ProjectSnapshot& project, Timestamp now);
 
 }  // namespace orvane

@@ -21,10 +21,13 @@ std::string makeBackup(Store& store, Timestamp now);
 // Adds the content of a backup document (versions 1 to currentVersion) to
 // the store beside what is there, in one transaction: new identifiers for
 // everything, people merged by name ignoring case, a project whose id is
-// already in the store named with " (restored)". Never deletes or changes
-// an existing row. Dangling references inside a project are dropped with a
-// warning or left unset; anything else wrong with the file throws
-// BackupError (what() is the sentence for the user) and inserts nothing.
+// already in the store, or whose name is taken, named with " (restored)"
+// (then " (restored 2)" and so on), a key in use given a digit (SHOP2).
+// Never deletes or changes an existing row. Dangling references inside a
+// project are dropped with a warning or left unset; values with one right
+// form are repaired with a warning (BackupRepair.h); anything else wrong
+// with the file throws BackupError (what() is the sentence for the user)
+// and inserts nothing.
 // A failure of the store itself throws SqliteError, also inserting nothing.
 Report restoreBackup(Store& store, std::string_view bytes);
 

@@ -15,4 +15,8 @@ BackupError BackupError::newerVersion(std::int64_t version) {
                      version);
 }
 
+BackupError BackupError::unsupportedValue(const std::string& what) {
+  return BackupError(Kind::unsupportedValue, "This backup cannot be restored: " + what + " Nothing was restored.", 0);
+}
+
 }  // namespace orvane::Backup

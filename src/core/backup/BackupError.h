@@ -20,12 +20,16 @@ class BackupError : public std::runtime_error {
     unreadable,    // not JSON, or a required key missing or of the wrong type
     notABackup,    // JSON, but "format" is not formatName
     newerVersion,  // "version" is greater than currentVersion
+    unsupportedValue,  // a value no store may hold (a date beyond the calendar, say)
   };
 
   // "This file could not be read as a backup: " and the reason.
   static BackupError unreadable(const std::string& reason);
   static BackupError notABackup();
   static BackupError newerVersion(std::int64_t version);
+  // "This backup cannot be restored: " and what it holds, then
+  // " Nothing was restored."
+  static BackupError unsupportedValue(const std::string& what);
 
   Kind kind() const { return kind_; }
   // The file's version, for newerVersion; 0 otherwise.

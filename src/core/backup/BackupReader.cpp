@@ -4,7 +4,9 @@
 
 #include "core/backup/Backup.h"
 #include "core/backup/BackupDocument.h"
+#include "core/backup/BackupRepair.h"
 #include "core/model/ForecastRecord.h"
+#include "core/model/Project.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 #include "engine/ProvenanceTier.h"
@@ -33,12 +35,20 @@ class Restore {
 
   Report run() {
     restorePeople();
-    for (const Project& p : rows::select<Project>(db_, "")) existingProjects_.insert(p.id);
+    for (const Project& p : rows::select<Project>(db_, "")) {
+      existingProjects_.insert(p.id);
+      takenNames_.insert(text::folded(p.name));
+      takenKeys_.insert(text::folded(p.key));
+    }
     for (const ProjectLinks& entry : file_.links) {
       auto& group = linksByProject_[entry.projectID];
       for (const LinkRecord& link : entry.links) group.push_back(&link);
     }
-    for (const ProjectRecord& record : file_.projects) restoreProject(record);
+    for (ProjectRecord record : file_.projects) {
+      nameFreely(record);
+      repairProject(record, report_.warnings);
+      restoreProject(record);
+    }
     return std::move(report_);
   }
 
@@ -60,10 +70,40 @@ class Restore {
     }
   }
 
+  // A project restored beside its original, or beside another project of
+  // its name, is named "<name> (restored)", then "(restored 2)" and so on,
+  // so every project can be told by its name. A key in use gets a digit.
+  void nameFreely(ProjectRecord& r) {
+    const auto nameTaken = [&](const std::string& candidate) { return takenNames_.contains(text::folded(candidate)); };
+    const std::string name = text::trimmed(r.name);
+    r.name = name;
+    if (existingProjects_.contains(r.id) || nameTaken(r.name)) {
+      r.name = name + " (restored)";
+      for (int n = 2; nameTaken(r.name); ++n) r.name = name + " (restored " + std::to_string(n) + ")";
+    }
+    takenNames_.insert(text::folded(r.name));
+
+    std::string key = text::trimmed(r.key);
+    if (key.empty()) {
+      key = projectKey(name);
+      report_.warnings.push_back(key + ": the project had no key; it was given one made from its name.");
+    }
+    r.key = key;
+    for (int n = 2; takenKeys_.contains(text::folded(r.key)); ++n) r.key = key + std::to_string(n);
+    takenKeys_.insert(text::folded(r.key));
+    if (r.name != name) {
+      report_.warnings.push_back(r.key + ": \"" + name + "\" is already in use; restored as \"" + r.name + "\".");
+    }
+    if (r.key != key) {
+      report_.warnings.push_back(r.key + ": the key " + key + " is already in use; the tickets are numbered " +
+                                 r.key + "-1, " + r.key + "-2 and so on.");
+    }
+  }
+
   void restoreProject(const ProjectRecord& r) {
     Project project;
     project.id = Uuid::random();
-    project.name = existingProjects_.contains(r.id) ? r.name + " (restored)" : r.name;
+    project.name = r.name;
     project.key = r.key;
     project.createdAt = r.createdAt;
     project.nextTicketNumber = r.nextTicketNumber;
@@ -200,6 +240,8 @@ class Restore {
   Report report_;
   IdMap people_;
   std::unordered_set<Uuid> existingProjects_;
+  std::unordered_set<std::string> takenNames_;  // folded
+  std::unordered_set<std::string> takenKeys_;   // folded
   std::unordered_map<Uuid, std::vector<const LinkRecord*>> linksByProject_;
 };
 
@@ -209,6 +251,7 @@ Report restoreBackup(Store& store, std::string_view bytes) {
   // The whole file is read and checked before the store is touched; the
   // rebuild is one transaction, so any failure inserts nothing.
   const File file = decode(bytes);
+  requireRestorable(file);
   Transaction transaction(store.db());
   Report report = Restore(store.db(), file).run();
   transaction.commit();

@@ -118,7 +118,7 @@ class BoardService {
                              bool extendProjectHistory, const ImportOptions& options = {});
 
   // A realistic sample project, built through the operations above with dates
-  // relative to `now`.
+  // relative to `now`, all in one transaction: all of it or nothing.
   Project loadDemoProject(Timestamp now);
 
  private:

@@ -386,16 +386,19 @@ Project BoardService::loadDemoProject(Timestamp now) {
     return Timestamp{monday + d * 86400.0 + hour * 3600.0 + minute * 60.0};
   };
 
-  std::string name = "Demo: Web Shop";
-  const std::vector<Project> existing = projects();
-  for (int n = 2; std::any_of(existing.begin(), existing.end(),
-                              [&](const Project& p) { return text::equalIgnoringCase(p.name, name); });
-       ++n) {
-    name = "Demo: Web Shop " + std::to_string(n);
-  }
-  const Project project = createProject(name, "SHOP", at(firstDay, 8, 30));
+  // One transaction for the whole project: each operation below is a
+  // savepoint inside it, so a failure part-way (a full disk, a kill) leaves
+  // nothing behind, not even an empty project.
+  return inTransaction([&] {
+    std::string name = "Demo: Web Shop";
+    const std::vector<Project> existing = projects();
+    for (int n = 2; std::any_of(existing.begin(), existing.end(),
+                                [&](const Project& p) { return text::equalIgnoringCase(p.name, name); });
+         ++n) {
+      name = "Demo: Web Shop " + std::to_string(n);
+    }
+    const Project project = createProject(name, "SHOP", at(firstDay, 8, 30));
 
-  try {
     std::map<std::string, Uuid, std::less<>> columns;
     for (const BoardColumn& column : rows::select<BoardColumn>(db_, "WHERE project_id = ?1", project.id)) {
       columns.emplace(column.name, column.id);
@@ -525,12 +528,8 @@ Project BoardService::loadDemoProject(Timestamp now) {
       timeline.add(at(sprints[1].start, 9, 30), [&, i] { setThisWeek(ticketIds[i], true); });
     }
     timeline.run();
-  } catch (...) {
-    // Leave no half-built project behind.
-    deleteProject(project.id);
-    throw;
-  }
-  return requireProject(project.id);
+    return requireProject(project.id);
+  });
 }
 
 }  // namespace orvane

@@ -9,6 +9,7 @@
 
 #include "core/exchange/CsvCodec.h"
 #include "core/exchange/IsoDateTime.h"
+#include "core/model/SupportedDates.h"
 #include "core/text/Text.h"
 
 namespace orvane {
@@ -178,6 +179,12 @@ void RowReader::add(const CSV::Record& record, std::int64_t rowNumber) {
     if (!target) {
       fail(std::string(headerOf(f)) + " \"" + text +
            "\" is not a valid date. Use 2026-10-05 or 2026-10-05T09:30:00Z. Row skipped.");
+      skipped = true;
+    } else if (!isSupportedDate(*target)) {
+      // A zone offset can carry the first or last day of the calendar
+      // past its edge.
+      fail(std::string(headerOf(f)) + " \"" + text + "\" lies outside the years 0000 to 9999. Row skipped.");
+      target.reset();
       skipped = true;
     }
   };

@@ -7,6 +7,7 @@
 #include "core/board/BoardError.h"
 #include "core/board/PMError.h"
 #include "core/model/ProjectSnapshot.h"
+#include "core/model/SupportedDates.h"
 #include "core/store/Rows.h"
 #include "core/text/Text.h"
 #include "engine/ColdStart.h"
@@ -32,6 +33,9 @@ Project requireProject(Database& db, const Uuid& id) {
 ProjectSnapshot requireSnapshot(Database& db, const Uuid& project) {
   auto snapshot = ProjectSnapshot::load(db, project);
   if (!snapshot) throw MissingRecordError("That project no longer exists.");
+  // A date no calendar day can hold (from a store written before dates were
+  // checked on the way in) is refused here, before any day arithmetic.
+  requireSupportedDates(*snapshot);
   return std::move(*snapshot);
 }
 

@@ -175,21 +175,23 @@ std::int64_t Database::scalarInt(std::string_view sql) {
 
 int Database::changes() const { return sqlite3_changes(db_); }
 
-Transaction::Transaction(Database& db) : db_(db) { db_.exec("BEGIN IMMEDIATE"); }
+Transaction::Transaction(Database& db) : db_(db), nested_(sqlite3_get_autocommit(db.handle()) == 0) {
+  db_.exec(nested_ ? "SAVEPOINT nested_operation" : "BEGIN IMMEDIATE");
+}
 
 Transaction::~Transaction() {
   if (open_) {
     try {
-      db_.exec("ROLLBACK");
+      db_.exec(nested_ ? "ROLLBACK TO nested_operation; RELEASE nested_operation" : "ROLLBACK");
     } catch (const SqliteError&) {
       // The transaction may already have been rolled back by SQLite itself
-      // (after a failed commit); there is nothing left to undo.
+      // (after a failed commit or a full disk); there is nothing left to undo.
     }
   }
 }
 
 void Transaction::commit() {
-  db_.exec("COMMIT");
+  db_.exec(nested_ ? "RELEASE nested_operation" : "COMMIT");
   open_ = false;
 }
 

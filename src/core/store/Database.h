@@ -115,6 +115,11 @@ class Database {
 
 // BEGIN IMMEDIATE on construction; rolls back on destruction unless
 // committed, so an exception thrown inside leaves the database as it was.
+//
+// Opened while another transaction is open, it is a savepoint inside it:
+// committing releases the savepoint (nothing is written until the outermost
+// transaction commits) and rolling back undoes only what was done since it
+// began. So one operation can be built from others and stay all or nothing.
 class Transaction {
  public:
   explicit Transaction(Database& db);
@@ -126,6 +131,7 @@ class Transaction {
 
  private:
   Database& db_;
+  bool nested_;
   bool open_ = true;
 };
 

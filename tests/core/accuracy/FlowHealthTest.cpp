@@ -2,6 +2,7 @@
 
 #include "core/accuracy/FlowHealth.h"
 #include "core/model/ProjectSnapshot.h"
+#include "core/model/SupportedDates.h"
 
 namespace orvane {
 namespace {
@@ -81,6 +82,24 @@ TEST(FlowHealth, NothingFinishedMeansNoCycleTimeAndNoAgeingWork) {
                          "No ticket has finished in the last 12 weeks, so there is no cycle time yet.",
                          "No in-progress ticket is older than 85% of finished work.",
                      }));
+}
+
+TEST(FlowHealth, ADateNoCalendarDayHoldsIsRefusedWithASentence) {
+  // Written by a version that did not check restored dates.
+  for (const double createdAt : {1e300, -1e300, 253402300800.0}) {
+    Board board(200);
+    board.finished(3);
+    board.s.project.name = "Shop";
+    board.s.project.createdAt = Timestamp{createdAt};
+    try {
+      flowHealth(board.s, daysAgo(0));
+      ADD_FAILURE() << createdAt;
+    } catch (const UnsupportedDateError& error) {
+      EXPECT_STREQ(error.what(),
+                   "\"Shop\" holds a date outside the years 0000 to 9999 (its creation date), so it cannot be "
+                   "forecast or measured.");
+    }
+  }
 }
 
 TEST(FlowHealth, TrendBoundsAreStrict) {

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <functional>
+#include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -301,6 +302,221 @@ TEST(Backup, listsPeopleAndProjectsInNaturalOrder) {
   for (const auto& p : document["people"]) people.push_back(p["name"]);
   EXPECT_EQ(projects, (std::vector<std::string>{"Alpha", "beta", "sprint 2", "Sprint 10"}));
   EXPECT_EQ(people, (std::vector<std::string>{"Adam", "person 9", "Person 11", "zoe"}));
+}
+
+// A small project with one of everything that carries a date: "Shop", key
+// SHOP, tickets 1 to 3 in the Backlog column, the first with a comment, two
+// checklist items, a file link and a link to the second.
+json smallBackup() {
+  TempStore t;
+  const Project shop = t.service.createProject("Shop", std::nullopt, now);
+  const Uuid epic = t.service.createEpic(shop.id, "Launch", std::nullopt, now).id;
+  t.service.createMilestone(shop.id, "Live", now, epic, "");
+  t.service.createIteration(shop.id, "Sprint 1", "", now, now);
+  std::vector<Uuid> tickets;
+  for (const char* title : {"One", "Two", "Three"}) {
+    tickets.push_back(t.service.createTicket(shop.id, NewTicket{.title = title}, now).id);
+  }
+  t.service.addComment(tickets[0], "hello", now);
+  t.service.addChecklistItem(tickets[0], "a");
+  t.service.addChecklistItem(tickets[0], "b");
+  t.service.addFileLink(tickets[0], "/tmp/notes.txt", now);
+  t.service.addLink(tickets[0], tickets[1], LinkKind::blockedBy, now);
+  ForecastRecord run;
+  run.id = Uuid::random();
+  run.runAt = now;
+  run.asOfDay = "2026-03-05";
+  run.projectId = shop.id;
+  rows::insert(t.store.db(), run);
+  return json::parse(t.service.makeBackup(now));
+}
+
+TEST(Backup, refusesValuesNoStoreMayHoldAndAddsNothing) {
+  const json good = smallBackup();
+  const double lastSecond = 253402300799.0;  // 9999-12-31T23:59:59Z, the last supported
+  const struct {
+    std::function<void(json&)> change;
+    std::string what;  // after "This backup cannot be restored: "
+  } cases[] = {
+      {[](json& f) { f["projects"][0]["createdAt"] = 1e300; },
+       "project \"Shop\" has a createdAt outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["createdAt"] = -1e300; },
+       "project \"Shop\" has a createdAt outside the years 0000 to 9999."},
+      {[&](json& f) { f["projects"][0]["createdAt"] = lastSecond + 1; },
+       "project \"Shop\" has a createdAt outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["createdAt"] = -62167219201.0; },  // a second before 0000-01-01
+       "project \"Shop\" has a createdAt outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["committedDate"] = 1e17; },
+       "project \"Shop\" has a committedDate outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][1]["completedAt"] = 1e300; },
+       "project \"Shop\" has a completedAt of ticket 2 outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][2]["dueDate"] = -1e20; },
+       "project \"Shop\" has a dueDate of ticket 3 outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][0]["events"][0]["at"] = 1e300; },
+       "project \"Shop\" has a column move of ticket 1 dated outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][0]["comments"][0]["createdAt"] = 1e300; },
+       "project \"Shop\" has a comment of ticket 1 dated outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][0]["fileLinks"][0]["addedAt"] = 1e300; },
+       "project \"Shop\" has a file link of ticket 1 dated outside the years 0000 to 9999."},
+      {[](json& f) { f["links"][0]["links"][0]["createdAt"] = 1e300; },
+       "project \"Shop\" has a ticket link dated outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["epics"][0]["dueDate"] = 1e300; },
+       "project \"Shop\" has a dueDate of epic \"Launch\" outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["milestones"][0]["date"] = 1e300; },
+       "project \"Shop\" has a date of milestone \"Live\" outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["iterations"][0]["endDate"] = 1e300; },
+       "project \"Shop\" has an endDate of iteration \"Sprint 1\" outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["forecasts"][0]["runAt"] = 1e300; },
+       "project \"Shop\" has a saved forecast dated outside the years 0000 to 9999."},
+      {[](json& f) { f["projects"][0]["tickets"][1]["number"] = 0; },
+       "project \"Shop\" has a ticket numbered 0; ticket numbers run from 1 to 999999999."},
+      {[](json& f) { f["projects"][0]["tickets"][1]["number"] = std::numeric_limits<std::int64_t>::min(); },
+       "project \"Shop\" has a ticket numbered -9223372036854775808; ticket numbers run from 1 to 999999999."},
+      {[](json& f) { f["projects"][0]["tickets"][1]["number"] = std::numeric_limits<std::int64_t>::max(); },
+       "project \"Shop\" has a ticket numbered 9223372036854775807; ticket numbers run from 1 to 999999999."},
+      {[](json& f) { f["projects"][0]["tickets"][2]["number"] = 1; }, "project \"Shop\" has two tickets numbered 1."},
+      {[](json& f) { f["projects"][0]["tickets"][2]["title"] = " \n"; },
+       "project \"Shop\" has a ticket without a title (number 3)."},
+      {[](json& f) { f["projects"][0]["columns"][1]["name"] = ""; }, "project \"Shop\" has a column without a name."},
+      {[](json& f) { f["projects"][0]["epics"][0]["name"] = "  "; }, "project \"Shop\" has an epic without a name."},
+      {[](json& f) { f["projects"][0]["name"] = " "; }, "a project (key SHOP) has no name."},
+      {[](json& f) { f["people"] = json::array({{{"id", "11111111-1111-4111-8111-111111111111"}, {"name", ""}}}); },
+       "a person has no name."},
+  };
+  TempStore t;
+  t.service.createProject("Mine", std::nullopt, now);
+  const std::string before = dumpStore(t.store.db());
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    json file = good;
+    c.change(file);
+    try {
+      t.service.restoreBackup(file.dump());
+      ADD_FAILURE() << "restored";
+    } catch (const Backup::BackupError& error) {
+      EXPECT_EQ(error.what(), "This backup cannot be restored: " + c.what + " Nothing was restored.");
+      EXPECT_EQ(error.kind(), Backup::BackupError::Kind::unsupportedValue);
+    }
+    EXPECT_EQ(dumpStore(t.store.db()), before);
+  }
+  // The edges themselves are days like any other.
+  json edges = good;
+  edges["projects"][0]["createdAt"] = -62167219200.0;
+  edges["projects"][0]["tickets"][0]["dueDate"] = lastSecond;
+  EXPECT_TRUE(t.service.restoreBackup(edges.dump()).warnings.empty());
+}
+
+TEST(Backup, repairsValuesWithOneRightFormAndSaysWhatItDid) {
+  const json good = smallBackup();
+  const struct {
+    std::function<void(json&)> change;
+    std::vector<std::string> warnings;
+    std::function<void(const ProjectSnapshot&)> expect;
+  } cases[] = {
+      {[](json& f) { f["projects"][0]["nextTicketNumber"] = 2; },
+       {"SHOP: the next ticket number was not above the highest ticket number and was raised to 4."},
+       [](const ProjectSnapshot& s) { EXPECT_EQ(s.project.nextTicketNumber, 4); }},
+      {[](json& f) { f["projects"][0]["nextTicketNumber"] = -7; },
+       {"SHOP: the next ticket number was not above the highest ticket number and was raised to 4."},
+       [](const ProjectSnapshot& s) { EXPECT_EQ(s.project.nextTicketNumber, 4); }},
+      {[](json& f) { f["projects"][0]["nextTicketNumber"] = std::numeric_limits<std::int64_t>::max(); },
+       {"SHOP: the next ticket number was beyond 999999999 and was lowered to 4."},
+       [](const ProjectSnapshot& s) { EXPECT_EQ(s.project.nextTicketNumber, 4); }},
+      {[](json& f) {
+         f["projects"][0]["columns"][0]["wipLimit"] = -3;
+         f["projects"][0]["columns"][1]["wipLimit"] = 0;
+       },
+       {"SHOP: WIP limits below 1 were removed, leaving no limit (2 columns)."},
+       [](const ProjectSnapshot& s) {
+         for (const BoardColumn& c : s.columns) EXPECT_TRUE(!c.wipLimit || *c.wipLimit >= 1) << c.name;
+       }},
+      {[](json& f) { f["projects"][0]["columns"][3]["type"] = "testing"; },
+       {"SHOP: unknown column types were read as Backlog (1 column)."},
+       [](const ProjectSnapshot& s) {
+         EXPECT_EQ(std::count_if(s.columns.begin(), s.columns.end(), [](auto& c) { return c.typeRaw == "backlog"; }),
+                   3);
+       }},
+      {[](json& f) {
+         for (auto& c : f["projects"][0]["columns"]) c["position"] = 7;
+       },
+       {"SHOP: column positions were out of order and were renumbered (5 columns)."},
+       [&](const ProjectSnapshot& s) {
+         ASSERT_EQ(s.columns.size(), 5u);  // in file order, 0..4
+         for (std::size_t i = 0; i < s.columns.size(); ++i) {
+           EXPECT_EQ(s.columns[i].position, static_cast<std::int64_t>(i));
+           EXPECT_EQ(s.columns[i].name, good["projects"][0]["columns"][i]["name"]);
+         }
+       }},
+      {[](json& f) {
+         auto& tickets = f["projects"][0]["tickets"];
+         tickets[0]["position"] = 5;
+         tickets[1]["position"] = 5;
+         tickets[2]["position"] = -1;
+       },
+       {"SHOP: ticket positions were out of order and were renumbered (3 tickets)."},
+       [](const ProjectSnapshot& s) {
+         EXPECT_EQ(s.tickets[2].position, 0);
+         EXPECT_EQ(s.tickets[0].position, 1);
+         EXPECT_EQ(s.tickets[1].position, 2);
+       }},
+      {[](json& f) {
+         for (auto& item : f["projects"][0]["tickets"][0]["checklist"]) item["position"] = 3;
+       },
+       {"SHOP: checklist positions were out of order and were renumbered (2 items)."},
+       [](const ProjectSnapshot& s) {
+         std::vector<std::int64_t> positions;
+         for (const ChecklistItem& item : s.checklistItems) positions.push_back(item.position);
+         std::sort(positions.begin(), positions.end());
+         EXPECT_EQ(positions, (std::vector<std::int64_t>{0, 1}));
+       }},
+      {[](json& f) { f["projects"][0]["key"] = " "; },
+       {"SHOP: the project had no key; it was given one made from its name."},
+       [](const ProjectSnapshot& s) { EXPECT_EQ(s.project.key, "SHOP"); }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.warnings.front());
+    json file = good;
+    c.change(file);
+    TempStore t;
+    EXPECT_EQ(t.service.restoreBackup(file.dump()).warnings, c.warnings);
+    const Uuid project = t.service.projects().front().id;
+    c.expect(*t.service.snapshot(project));
+    // The repaired project takes new work as any other does.
+    const Ticket next = t.service.createTicket(project, NewTicket{.title = "Next"}, now);
+    EXPECT_EQ(next.number, 4);
+  }
+}
+
+TEST(Backup, aRestoredProjectWhoseNameOrKeyIsTakenGetsAFreeOneAndSaysSo) {
+  const std::string backup = smallBackup().dump();
+  TempStore t;
+  EXPECT_TRUE(t.service.restoreBackup(backup).warnings.empty());
+  EXPECT_EQ(t.service.restoreBackup(backup).warnings,
+            (std::vector<std::string>{
+                "SHOP2: \"Shop\" is already in use; restored as \"Shop (restored)\".",
+                "SHOP2: the key SHOP is already in use; the tickets are numbered SHOP2-1, SHOP2-2 and so on."}));
+  EXPECT_EQ(t.service.restoreBackup(backup).warnings,
+            (std::vector<std::string>{
+                "SHOP3: \"Shop\" is already in use; restored as \"Shop (restored 2)\".",
+                "SHOP3: the key SHOP is already in use; the tickets are numbered SHOP3-1, SHOP3-2 and so on."}));
+  std::vector<std::string> names;
+  for (const Project& p : t.service.projects()) names.push_back(p.name + " " + p.key);
+  EXPECT_EQ(names, (std::vector<std::string>{"Shop SHOP", "Shop (restored 2) SHOP3", "Shop (restored) SHOP2"}));
+
+  // Names are compared ignoring case, within one file too; a free name with
+  // a taken key changes only the key.
+  json two = json::parse(backup);
+  two["projects"].push_back(two["projects"][0]);
+  two["projects"][1]["id"] = Uuid::random().text();
+  two["projects"][1]["name"] = "SHOP";
+  two["projects"][1]["key"] = "Shop";
+  TempStore u;
+  u.service.createProject("Other", "shop", now);
+  EXPECT_EQ(u.service.restoreBackup(two.dump()).warnings,
+            (std::vector<std::string>{
+                "SHOP2: the key SHOP is already in use; the tickets are numbered SHOP2-1, SHOP2-2 and so on.",
+                "Shop3: \"SHOP\" is already in use; restored as \"SHOP (restored)\".",
+                "Shop3: the key Shop is already in use; the tickets are numbered Shop3-1, Shop3-2 and so on."}));
 }
 
 }  // namespace

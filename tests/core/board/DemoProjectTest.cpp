@@ -139,5 +139,36 @@ TEST(DemoProject, loadsAgainAsASecondProjectWithTheSameContentAndSharedPeople) {
   for (std::size_t i = 0; i < a.events.size(); ++i) EXPECT_EQ(a.events[i].at, b.events[i].at);
 }
 
+TEST(DemoProject, aFailurePartWayLeavesTheStoreFileAsItWas) {
+  testing::TempDir dir;
+  const auto path = dir.path() / "orvane.sqlite";
+  std::int64_t pages = 0;
+  {
+    Store store = Store::open(path);
+    BoardService(store).createProject("Existing", std::nullopt, now);
+    pages = store.db().scalarInt("PRAGMA page_count");
+  }
+  const std::string before = testing::bytesOf(path);
+  {
+    Store store = Store::open(path);
+    // Room for the project row and its columns, not for fourteen weeks of work.
+    store.db().exec("PRAGMA max_page_count = " + std::to_string(pages + 6));
+    BoardService service(store);
+    try {
+      service.loadDemoProject(now);
+      ADD_FAILURE() << "the demo fitted";
+    } catch (const SqliteError& error) {
+      EXPECT_EQ(error.code() & 0xFF, SQLITE_FULL) << error.what();
+    }
+    ASSERT_EQ(service.projects().size(), 1u);
+    EXPECT_EQ(store.db().scalarInt("SELECT count(*) FROM people"), 0);
+  }
+  EXPECT_TRUE(testing::bytesOf(path) == before) << "the store file changed";
+
+  // Once there is room, the demo loads whole under its first name.
+  Store store = Store::open(path);
+  EXPECT_EQ(BoardService(store).loadDemoProject(now).name, "Demo: Web Shop");
+}
+
 }  // namespace
 }  // namespace orvane

@@ -101,6 +101,21 @@ TEST(TicketCsvTest, ReportsEveryRowIssueInFileOrder) {
   EXPECT_EQ(parsed.rows[3].columnName, "");
 }
 
+TEST(TicketCsvTest, DatesAZoneCarriesPastTheCalendarAreRowErrors) {
+  const auto parsed = TicketCSV::parse(
+      "title,created_at,due_date\n"
+      "late,2026-01-05,9999-12-31T23:00:00-05:00\n"
+      "early,0000-01-01T00:30:00+01:00,\n"
+      "edges,0000-01-01T00:00:00Z,9999-12-31T23:59:59Z\n");
+  EXPECT_EQ(parsed.issues,
+            (std::vector<ImportIssue>{
+                {2, "due_date \"9999-12-31T23:00:00-05:00\" lies outside the years 0000 to 9999. Row skipped.", true},
+                {3, "created_at \"0000-01-01T00:30:00+01:00\" lies outside the years 0000 to 9999. Row skipped.",
+                 true}}));
+  ASSERT_EQ(parsed.rows.size(), 1u);
+  EXPECT_EQ(parsed.rows[0].title, "edges");
+}
+
 TEST(TicketCsvTest, ReadsBlockedAndPriorityWords) {
   std::string text = "title,blocked,priority\n";
   for (const char* word : {"yes", "Y", "TRUE", "1", "x"}) text += std::string("t,") + word + ",\n";

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "core/forecast/ForecastService.h"
+#include "core/model/SupportedDates.h"
 #include "core/store/Rows.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
@@ -173,6 +174,41 @@ TEST_F(ForecastServiceTest, aLoggedRunIsRepeatedExactlyFromItsRecord) {
   EXPECT_EQ(rows::find<ForecastRecord>(db, byDate.id)->note, "scope grew");
   forecasts.deleteRecord(when.id);
   EXPECT_EQ(board.snapshot(project.id)->forecasts.size(), 1u);
+}
+
+TEST_F(ForecastServiceTest, aStoredDateNoCalendarDayHoldsIsRefusedWithASentence) {
+  // Values a version that did not check restored dates could have stored.
+  ticket(std::nullopt, at(2026, 2, 10));
+  const struct {
+    std::string sql;
+    std::string what;
+  } cases[] = {
+      {"UPDATE projects SET created_at = 1e300", "its creation date"},
+      {"UPDATE projects SET committed_date = -1e300", "its committed date"},
+      {"UPDATE tickets SET completed_at = 1e300", "the completed date of SHOP-1"},
+      {"UPDATE ticket_events SET at = 9e15", "a column move of SHOP-1"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.sql);
+    db.exec("SAVEPOINT hostile");
+    db.exec(c.sql);
+    const std::string sentence =
+        "\"Shop\" holds a date outside the years 0000 to 9999 (" + c.what + "), so it cannot be forecast or measured.";
+    for (const auto& call : std::vector<std::function<void()>>{
+             [&] { forecasts.input(project.id, today); },
+             [&] { forecasts.history(project.id, today); },
+             [&] { forecasts.input(project.id, today, 0, CivilDate{2026, 6, 1}); },
+         }) {
+      try {
+        call();
+        ADD_FAILURE() << "forecast";
+      } catch (const UnsupportedDateError& error) {
+        EXPECT_EQ(error.what(), sentence);
+      }
+    }
+    db.exec("ROLLBACK TO hostile; RELEASE hostile");
+  }
+  EXPECT_EQ(forecasts.input(project.id, today).backlog, 0);
 }
 
 }  // namespace

@@ -13,12 +13,8 @@
 namespace orvane {
 namespace {
 
+using testing::bytesOf;
 using testing::TempDir;
-
-std::string bytesOf(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void writeFile(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
@@ -106,6 +102,33 @@ TEST(Store, DeletingAProjectTakesEverythingButThePeople) {
   }
   EXPECT_EQ(t.store.db().scalarInt("SELECT count(*) FROM people"), 1);
   EXPECT_EQ(t.store.db().scalarInt("PRAGMA foreign_key_check"), 0);
+}
+
+TEST(Store, ATransactionInsideAnotherIsASavepointOfIt) {
+  testing::TempStore t;
+  Database& db = t.store.db();
+  const auto people = [&] { return db.scalarInt("SELECT count(*) FROM people"); };
+  {
+    Transaction outer(db);
+    t.service.createPerson("Ann", std::nullopt);
+    // A refused inner operation takes back only its own work.
+    try {
+      Transaction inner(db);
+      t.service.createPerson("Bob", std::nullopt);
+      t.service.createPerson("ann", std::nullopt);
+    } catch (const PMError&) {
+    }
+    EXPECT_EQ(people(), 1);
+    t.service.createPerson("Cy", std::nullopt);
+    // Nothing is committed until the outer transaction is: it rolls back whole.
+  }
+  EXPECT_EQ(people(), 0);
+  {
+    Transaction outer(db);
+    t.service.createPerson("Ann", std::nullopt);
+    outer.commit();
+  }
+  EXPECT_EQ(people(), 1);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "core/board/BoardService.h"
@@ -30,6 +32,12 @@ class TempDir {
  private:
   std::filesystem::path path_;
 };
+
+// The whole content of a file, to compare it byte for byte.
+inline std::string bytesOf(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
 
 // A real store file in a temporary folder, with a service over it.
 struct TempStore {
