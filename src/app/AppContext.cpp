@@ -1,6 +1,7 @@
 #include "app/AppContext.h"
 
 #include <unicode/calendar.h>
+#include <unicode/timezone.h>
 
 #include <QWidget>
 #include <chrono>
@@ -8,6 +9,7 @@
 
 #include "app/Alert.h"
 #include "app/UndoHistory.h"
+#include "engine/LocalCivilDate.h"
 
 namespace orvane::app {
 
@@ -26,9 +28,11 @@ AppContext::AppContext(Store& store, QObject* parent)
       board_(std::make_unique<BoardService>(store)),
       undo_(std::make_unique<UndoHistory>(store.db())),
       clock_(systemNow) {
-  UErrorCode status = U_ZERO_ERROR;
-  calendar_.reset(icu::Calendar::createInstance(status));
-  if (U_FAILURE(status) || !calendar_) {
+  // Gregorian days in the user's time zone, weeks as the locale starts
+  // them, whatever calendar the locale prefers.
+  const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
+  if (zone) calendar_ = userCalendar(*zone, icu::Locale::getDefault());
+  if (!calendar_) {
     // Without the user's calendar every local date would be wrong; the ICU
     // data ships with the library, so this is a broken installation.
     throw std::runtime_error("The calendar of this system could not be loaded.");

@@ -36,7 +36,9 @@ class AppContext : public QObject {
   Store& store();
   BoardService& board();
   UndoHistory& undoHistory();
-  const icu::Calendar& calendar() const;  // the user's zone and locale
+  // Gregorian, in the user's time zone, weeks starting as the locale starts
+  // them (userCalendar).
+  const icu::Calendar& calendar() const;
   Timestamp now() const;                  // the clock; tests may pin it
   void setClock(std::function<Timestamp()> clock);
 

@@ -20,22 +20,6 @@
 
 namespace orvane::app {
 
-namespace {
-
-// Noon of `day` in the user's calendar: safely inside the day whatever the
-// daylight-saving shifts.
-Timestamp localNoon(const CivilDate& day, const icu::Calendar& calendar) {
-  std::unique_ptr<icu::Calendar> local(calendar.clone());
-  UErrorCode status = U_ZERO_ERROR;
-  local->clear();
-  local->set(static_cast<int32_t>(day.year), static_cast<int32_t>(day.month - 1), static_cast<int32_t>(day.day), 12, 0,
-             0);
-  const UDate millis = local->getTime(status);
-  return Timestamp{U_SUCCESS(status) ? millis / 1000.0 : day.utcMidnight().secondsSince1970};
-}
-
-}  // namespace
-
 CalendarView::CalendarView(AppContext& context, QWidget* parent) : ProjectViewBase(context, parent) {
   setObjectName(QStringLiteral("calendarView"));
   auto* previous = new QPushButton(QStringLiteral("‹ Previous"), this);

@@ -12,16 +12,6 @@
 
 namespace orvane::app {
 
-Timestamp localNoonOf(const CivilDate& day, const icu::Calendar& calendar) {
-  std::unique_ptr<icu::Calendar> local(calendar.clone());
-  UErrorCode status = U_ZERO_ERROR;
-  local->clear();
-  local->set(static_cast<int32_t>(day.year), static_cast<int32_t>(day.month - 1), static_cast<int32_t>(day.day), 12, 0,
-             0);
-  const UDate millis = local->getTime(status);
-  return Timestamp{U_SUCCESS(status) ? millis / 1000.0 : day.utcMidnight().secondsSince1970 + 12 * 3600};
-}
-
 DayField::DayField(const icu::Calendar& calendar, bool optional, QWidget* parent)
     : QWidget(parent), calendar_(calendar) {
   auto* layout = new QHBoxLayout(this);
@@ -75,7 +65,7 @@ std::optional<Timestamp> DayField::instant() const {
   const std::optional<CivilDate> picked = day();
   if (!picked) return std::nullopt;
   if (original_ && civilDateFromLocal(*original_, calendar_) == *picked) return original_;
-  return localNoonOf(*picked, calendar_);
+  return localNoon(*picked, calendar_);
 }
 
 }  // namespace orvane::app

@@ -17,14 +17,11 @@ class QDateEdit;
 
 namespace orvane::app {
 
-// Noon of `day` in the user's calendar: the instant a day picked on screen is
-// stored as, safely inside the day whatever the daylight-saving shifts.
-Timestamp localNoonOf(const CivilDate& day, const icu::Calendar& calendar);
-
 // A day that may be absent (a due date, an epic's start), picked in the
 // user's calendar. It keeps the instant it was given: a day left as it was
 // returns that instant unchanged, so saving a form never shifts a stored time
-// of day; a day picked anew is stored as its local noon.
+// of day; a day picked anew is stored as its local noon (localNoon). The
+// editor shows Gregorian days, as civil days are.
 class DayField : public QWidget {
   Q_OBJECT
 

@@ -57,6 +57,7 @@ json accuracyJson(const ProjectSnapshot& s, const AccuracyReport& report,
                     {"dates", daysJson(o.dates)},
                     {"backlogThen", o.backlogThen},
                     {"addedSince", o.addedSince},
+                    {"leftSince", o.leftSince},
                     {"finishedOn", dayOrNull(o.finishedOn)},
                     {"verdict",
                      {{"kind", rawValue(o.verdict.kind)},
@@ -112,6 +113,7 @@ void writeWhen(const AccuracyReport& report, std::ostream& out) {
   for (const WhenOutcome& o : report.whenOutcomes) {
     out << "  " << o.asOf.description() << "  " << counted(o.backlogThen, "ticket");
     if (o.addedSince > 0) out << " (+" << o.addedSince << " added)";
+    if (o.leftSince > 0) out << " (" << o.leftSince << " since archived or deleted)";
     out << "  " << o.verdict.label();
     if (o.finishedOn) out << ", done " << o.finishedOn->description();
     out << "\n              ";

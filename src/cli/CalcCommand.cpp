@@ -29,7 +29,8 @@ constexpr std::string_view calcUsage =
     "  roadmap        {asOf, history, epics: [{id, name?, open, startOffsetDays?,\n"
     "                 dueDay?, predecessors?: [ids]}], milestones?: [{id, day,\n"
     "                 epicID?, isDone?}]}; ids are any strings and come back\n"
-    "                 as given\n"
+    "                 as given; a predecessor that is not one of the epics is\n"
+    "                 ignored\n"
     "  --help         print this text\n";
 
 constexpr OptionSpec calcSpecs[] = {{"--help", false}};
@@ -79,9 +80,9 @@ int runCalc(std::span<const std::string> args, const CommandContext& context) {
   const json input = parseJson(readInput(parsed, context));
   json result;
   if (kind == "when") {
-    result = whenJson(parseProjectCalcInput(input, false).runWhen());
+    result = whenJson(parseProjectCalcInput(input).runWhen());
   } else if (kind == "by-date") {
-    result = byDateJson(parseProjectCalcInput(input, true).runByDate());
+    result = byDateJson(parseProjectCalcInput(input).runByDate());
   } else if (kind == "iteration") {
     result = iterationJson(parseIterationCalcInput(input).run());
   } else {

@@ -197,7 +197,7 @@ std::optional<std::size_t> epicOnCycle(const std::vector<std::vector<std::size_t
 
 }  // namespace
 
-ForecastInput parseProjectCalcInput(const json& object, bool needsTarget) {
+ForecastInput parseProjectCalcInput(const json& object) {
   const Fields fields(object, "", {"asOf", "backlog", "whatIfPercent", "history", "commitment", "target"});
   ForecastInput input;
   input.asOf = fields.day("asOf");
@@ -205,7 +205,9 @@ ForecastInput parseProjectCalcInput(const json& object, bool needsTarget) {
   input.whatIfPercent = fields.number("whatIfPercent", 0);
   input.history = fields.history(input.asOf);
   input.commitment = fields.optionalDay("commitment");
-  input.target = needsTarget ? std::optional(fields.day("target")) : fields.optionalDay("target");
+  // A by-date run without a target is refused by the forecast itself, in
+  // the same sentence the forecast service gives.
+  input.target = fields.optionalDay("target");
   return input;
 }
 
@@ -260,12 +262,16 @@ RoadmapCalcInput parseRoadmapCalcInput(const json& object) {
     }
     return found->second;
   };
+  // A predecessor that is not among the epics given is one the caller left
+  // out of this roadmap (done, or planned elsewhere): it holds nothing back,
+  // so it is dropped, as the roadmap drops it for a project's epics.
   std::vector<std::vector<std::size_t>> predecessors(epics.size());
   for (std::size_t k = 0; k < epics.size(); ++k) {
-    for (std::size_t p = 0; p < predecessorIds[k].size(); ++p) {
-      const std::size_t before = resolve(predecessorIds[k][p], item("epics", k) + "." + item("predecessors", p));
-      predecessors[k].push_back(before);
-      input.epics[k].predecessors.push_back(input.epics[before].id);
+    for (const std::string& callerId : predecessorIds[k]) {
+      const auto found = epicIndex.find(callerId);
+      if (found == epicIndex.end()) continue;
+      predecessors[k].push_back(found->second);
+      input.epics[k].predecessors.push_back(input.epics[found->second].id);
     }
   }
   if (const std::optional<std::size_t> epic = epicOnCycle(predecessors)) {

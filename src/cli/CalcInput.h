@@ -18,9 +18,10 @@ namespace orvane::cli {
 // "history" lists weekly counts, oldest first; they become actual periods of
 // 7 days, the last one ending on "asOf".
 
-// {asOf, backlog, whatIfPercent?, history, commitment?, target?}; target is
-// required when `needsTarget`. A field marked ? may be absent or null.
-ForecastInput parseProjectCalcInput(const nlohmann::json& object, bool needsTarget);
+// {asOf, backlog, whatIfPercent?, history, commitment?, target?}. A field
+// marked ? may be absent or null; a by-date run without a target is refused
+// when it runs (ForecastServiceError missingTarget), not here.
+ForecastInput parseProjectCalcInput(const nlohmann::json& object);
 
 // {asOf, lastDay, firstDay?, open, whatIfPercent?, history}.
 IterationForecastInput parseIterationCalcInput(const nlohmann::json& object);
@@ -29,7 +30,8 @@ IterationForecastInput parseIterationCalcInput(const nlohmann::json& object);
 // predecessors?}], milestones?: [{id, day, epicID?, isDone?}]}. The caller's
 // ids are any strings; each epic and milestone gets an id of ours, ordered
 // as the caller listed them, and `callerIds` leads back. Epic ids must be
-// unique, name epics that exist, and form no cycle of predecessors.
+// unique and form no cycle of predecessors; a predecessor that is not among
+// the epics is ignored, while a milestone's epicID must name one of them.
 struct RoadmapCalcInput {
   RoadmapForecastInput input;
   std::map<Uuid, std::string> callerIds;

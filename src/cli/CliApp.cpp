@@ -1,6 +1,7 @@
 #include "cli/CliApp.h"
 
 #include <unicode/calendar.h>
+#include <unicode/timezone.h>
 
 #include <algorithm>
 #include <array>
@@ -31,6 +32,7 @@
 #include "core/forecast/ForecastServiceError.h"
 #include "core/model/SupportedDates.h"
 #include "engine/ForecastError.h"
+#include "engine/LocalCivilDate.h"
 
 namespace orvane::cli {
 namespace {
@@ -79,10 +81,12 @@ const Command* findCommand(std::string_view name) {
 }  // namespace
 
 int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now) {
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(status));
-  if (U_FAILURE(status) || !calendar) {
-    err << "The calendar of this machine could not be loaded (" << u_errorName(status) << ").\n";
+  // Gregorian days in the machine's time zone, weeks as its locale starts
+  // them, whatever calendar the locale prefers.
+  const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
+  const std::unique_ptr<icu::Calendar> calendar = zone ? userCalendar(*zone, icu::Locale::getDefault()) : nullptr;
+  if (!calendar) {
+    err << "The calendar of this machine could not be loaded.\n";
     return exitFailure;
   }
   return runCli(args, std::cin, out, err, now, *calendar);

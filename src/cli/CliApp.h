@@ -22,8 +22,8 @@ namespace orvane::cli {
 // (nothing was changed). A command's output reaches `out` only when it
 // succeeds; every refusal is one sentence on `err`. `now` is the clock for
 // anything that defaults to today, unless --now replaces it.
-// Standard input is std::cin and the calendar ICU's default (the machine's
-// time zone and locale).
+// Standard input is std::cin and the calendar the user's (userCalendar of
+// ICU's default time zone and locale: Gregorian days in the machine's zone).
 int runCli(std::span<const std::string> args, std::ostream& out, std::ostream& err, Timestamp now);
 
 // As above, reading `in` as standard input and taking the days of epics and

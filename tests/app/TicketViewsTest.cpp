@@ -1,3 +1,6 @@
+#include <unicode/locid.h>
+#include <unicode/timezone.h>
+
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -11,6 +14,7 @@
 #include "app/FilterBar.h"
 #include "app/MainWindow.h"
 #include "app/ProjectPane.h"
+#include "app/TicketCard.h"
 #include "app/TicketTableModel.h"
 
 using namespace orvane;
@@ -23,6 +27,7 @@ class TicketViewsTest : public QObject {
 
  private slots:
   void calendarPlacesTicketsAndEpicsOnTheirDays();
+  void calendarKeepsGregorianDaysUnderAPersianLocale();
   void archivedViewRestoresDeletesAndExplainsEmptiness();
 };
 
@@ -61,6 +66,34 @@ void TicketViewsTest::calendarPlacesTicketsAndEpicsOnTheirDays() {
   QCOMPARE(view.monthTitle(), QString("January 2027"));
   view.previousMonth();
   QCOMPARE(view.monthTitle(), QString("December 2026"));
+}
+
+void TicketViewsTest::calendarKeepsGregorianDaysUnderAPersianLocale() {
+  AppFixture f;
+  const Uuid project = f.board().createProject("Web", std::nullopt, f.clock).id;
+  f.board().createTicket(project, NewTicket{.title = "Leap", .dueDate = at(2024, 2, 29)}, f.clock);
+
+  // As LANG=fa_IR.UTF-8 and TZ=Asia/Tehran set them: ICU's own calendar for
+  // the locale is the Persian one, weeks start on Saturday.
+  const icu::Locale previousLocale = icu::Locale::getDefault();
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale("fa_IR"), status);
+  icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("Asia/Tehran"));
+  f.context = std::make_unique<AppContext>(f.t.store);
+  f.context->setClock([&f] { return f.clock; });
+  icu::Locale::setDefault(previousLocale, status);
+  icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("UTC"));
+
+  CalendarView view(*f.context, nullptr);
+  view.showProject(project);
+  view.showMonth(2024, 2);
+  QCOMPARE(view.monthTitle(), QString("February 2024"));
+  QCOMPARE(view.cells().size(), std::size_t(35));
+  QCOMPARE(view.cells().front()->day(), CivilDate(2024, 1, 27));  // a Saturday
+  QCOMPARE(entriesOn(view, CivilDate(2024, 2, 29)), QStringList{"WEB-1 Leap"});
+  const ProjectSnapshot snapshot = f.snapshot(project);
+  const TicketCardFactory cards(snapshot, f.context->calendar(), f.clock);
+  QCOMPARE(cards.card(snapshot.tickets.at(0)).dueText, QString("29 Feb 2024"));
 }
 
 void TicketViewsTest::archivedViewRestoresDeletesAndExplainsEmptiness() {

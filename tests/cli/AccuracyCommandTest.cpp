@@ -77,6 +77,7 @@ TEST_F(AccuracyCommand, OutcomesCalibrationAndHistory) {
   const json report = json::parse(runWith({"--store", path, "accuracy", "shop", "--json"}).out);
   EXPECT_EQ(report["whenOutcomes"][0]["verdict"],
             (json{{"kind", "withinP70"}, {"label", "By the 70% date"}, {"remaining", 0}, {"isFinished", true}}));
+  EXPECT_EQ(report["whenOutcomes"][0]["leftSince"], 0);
   EXPECT_EQ(report["byDateOutcomes"][0]["levelsReached"], json::array({70, 85, 95}));
   EXPECT_EQ(report["whenCalibration"][1], (json{{"level", 70}, {"hits", 1}, {"total", 1}, {"hitPct", 100.0}}));
   EXPECT_EQ(report["history"][0]["confidencePct"], 61.5);
@@ -86,6 +87,15 @@ TEST_F(AccuracyCommand, OutcomesCalibrationAndHistory) {
       json::parse(runWith({"--store", path, "--now", "2026-03-03T18:00:00Z", "accuracy", "SH", "--json"}).out);
   EXPECT_EQ(early["whenOutcomes"][0]["verdict"]["label"], "Still open, 1 left");
   EXPECT_EQ(early["byDateOutcomes"], json::array());
+
+  // A ticket deleted after the run leaves the forecast's scope: the other
+  // one, done on 3 March, finished the work by the 50% date.
+  const Uuid b = t.service.snapshot(t.service.projects().front().id)->tickets.at(1).id;
+  t.service.deleteTicket(b);
+  const CliRun after = runWith({"--store", path, "accuracy", "SH"});
+  EXPECT_NE(after.out.find("  2026-03-02  2 tickets (1 since archived or deleted)  By the 50% date, done 2026-03-03\n"),
+            std::string::npos)
+      << after.out;
 }
 
 }  // namespace

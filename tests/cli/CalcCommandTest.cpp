@@ -106,6 +106,22 @@ TEST(CalcCommand, roadmapSpeaksInTheCallersIds) {
   EXPECT_TRUE(result["milestoneChances"].contains("beta"));
 }
 
+TEST(CalcCommand, roadmapIgnoresPredecessorsThatAreNotAmongTheEpics) {
+  const json epics = {{{"id", "api"}, {"open", 6}, {"dueDay", "2026-04-01"}},
+                      {{"id", "ui"}, {"open", 4}, {"startOffsetDays", 14}, {"predecessors", {"api"}}}};
+  json withOutsiders = epics;
+  withOutsiders[0]["predecessors"] = {"legacy"};
+  withOutsiders[1]["predecessors"] = {"gone", "api", "legacy"};
+  const json base = {{"asOf", "2026-03-05"}, {"history", weeks}};
+  json given = base;
+  given["epics"] = withOutsiders;
+  json plain = base;
+  plain["epics"] = epics;
+  const json result = calc("roadmap", given);
+  EXPECT_EQ(result, calc("roadmap", plain));
+  EXPECT_EQ(result["longestChain"], (json{"api", "ui"}));
+}
+
 TEST(CalcCommand, refusesBadInputWithOneSentenceNamingTheField) {
   const json epicA = {{"id", "a"}, {"open", 1}};
   const struct {
@@ -128,7 +144,13 @@ TEST(CalcCommand, refusesBadInputWithOneSentenceNamingTheField) {
        "Field \"whatIfPercent\" must be a number.\n"},
       {"when", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1], \"whatIfPercent\": -100}",
        sentenceFor(ForecastError::invalidMultiplier) + "\n"},
-      {"by-date", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1]}", "Field \"target\" is missing.\n"},
+      // A by-date run without a target is the forecast's own refusal.
+      {"by-date", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1]}",
+       "A date is needed for this forecast.\n"},
+      {"by-date", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1], \"target\": null}",
+       "A date is needed for this forecast.\n"},
+      {"by-date", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1], \"target\": 5}",
+       "Field \"target\" must be a day written YYYY-MM-DD, or null.\n"},
       {"by-date", "{\"asOf\": \"2026-03-05\", \"backlog\": 2, \"history\": [1], \"target\": \"2026-03-05\"}",
        "Choose a date after today.\n"},
       {"iteration", "{\"asOf\": \"2026-03-05\", \"lastDay\": \"2036-02-20\", \"open\": 1, \"history\": [1]}",
@@ -136,9 +158,12 @@ TEST(CalcCommand, refusesBadInputWithOneSentenceNamingTheField) {
       {"roadmap", json{{"asOf", "2026-03-05"}, {"history", {1}}, {"epics", {epicA, epicA}}}.dump(),
        "Field \"epics[1].id\" repeats \"a\"; each epic needs its own id.\n"},
       {"roadmap",
-       json{{"asOf", "2026-03-05"}, {"history", {1}}, {"epics", {{{"id", "a"}, {"open", 1}, {"predecessors", {"z"}}}}}}
+       json{{"asOf", "2026-03-05"},
+            {"history", {1}},
+            {"epics", {epicA}},
+            {"milestones", {{{"id", "m"}, {"day", "2026-04-01"}, {"epicID", "z"}}}}}
            .dump(),
-       "Field \"epics[0].predecessors[0]\" names \"z\", which is not the id of an epic.\n"},
+       "Field \"milestones[0].epicID\" names \"z\", which is not the id of an epic.\n"},
       {"roadmap",
        json{
            {"asOf", "2026-03-05"},

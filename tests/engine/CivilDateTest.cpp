@@ -4,6 +4,7 @@
 #include <unicode/gregocal.h>
 #include <unicode/timezone.h>
 
+#include <memory>
 
 #include "engine/ColdStart.h"
 #include "engine/ForecastDate.h"
@@ -83,6 +84,74 @@ TEST(CivilDate, ConvertsInstantsInUtcAndInALocalCalendar) {
   EXPECT_EQ(civilDateFromLocal(lateEvening, newYork), (CivilDate{2026, 3, 5}));
 }
 
+
+// The calendar ICU gives a locale by default: Islamic for Saudi Arabia,
+// Persian for Iran.
+std::unique_ptr<icu::Calendar> defaultCalendarOf(const char* locale, const char* zone) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::Calendar> calendar(
+      icu::Calendar::createInstance(icu::TimeZone::createTimeZone(zone), icu::Locale(locale), status));
+  EXPECT_TRUE(U_SUCCESS(status));
+  return calendar;
+}
+
+TEST(CivilDate, LocalDaysAreGregorianWhateverTheCalendar) {
+  struct Case {
+    const char* locale;
+    const char* zone;
+    const char* calendarType;  // the premise: ICU's default calendar there
+    double offsetHours;
+  };
+  const Case cases[] = {
+      {"ar_SA", "Asia/Riyadh", "islamic-umalqura", 3},
+      {"fa_IR", "Asia/Tehran", "persian", 3.5},
+      {"en_US", "America/New_York", "gregorian", -5},
+  };
+  const CivilDate leapDay{2024, 2, 29};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.locale);
+    const auto calendar = defaultCalendarOf(c.locale, c.zone);
+    ASSERT_NE(calendar, nullptr);
+    EXPECT_STREQ(calendar->getType(), c.calendarType);
+    const double utcNoon = leapDay.utcMidnight().secondsSince1970 + 12 * 3600;
+    EXPECT_EQ(civilDateFromLocal(Timestamp{utcNoon}, *calendar), leapDay);
+    // Eleven hours later it is the next day east of UTC, not yet west of it.
+    const CivilDate nextDay{2024, 3, 1};
+    EXPECT_EQ(civilDateFromLocal(Timestamp{utcNoon + 11 * 3600}, *calendar), c.offsetHours > 0 ? nextDay : leapDay);
+    const Timestamp noon = localNoon(leapDay, *calendar);
+    EXPECT_EQ(noon.secondsSince1970, utcNoon - c.offsetHours * 3600);
+    EXPECT_EQ(civilDateFromLocal(noon, *calendar), leapDay);
+  }
+}
+
+TEST(CivilDate, TheUsersCalendarIsGregorianWithTheLocalesFirstWeekday) {
+  const struct {
+    const char* locale;
+    UCalendarDaysOfWeek first;
+  } cases[] = {{"ar_SA", UCAL_SUNDAY},
+               {"fa_IR", UCAL_SATURDAY},
+               {"fa_IR@calendar=persian", UCAL_SATURDAY},
+               {"de_DE", UCAL_MONDAY},
+               {"en_US", UCAL_SUNDAY}};
+  const std::unique_ptr<icu::TimeZone> tehran(icu::TimeZone::createTimeZone("Asia/Tehran"));
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.locale);
+    const std::unique_ptr<icu::Calendar> calendar = userCalendar(*tehran, icu::Locale(c.locale));
+    ASSERT_NE(calendar, nullptr);
+    EXPECT_STREQ(calendar->getType(), "gregorian");
+    UErrorCode status = U_ZERO_ERROR;
+    EXPECT_EQ(calendar->getFirstDayOfWeek(status), c.first);
+    EXPECT_EQ(calendar->getTimeZone(), *tehran);
+    // Its own fields are the civil day's, back to before the Julian cutover.
+    for (const CivilDate day : {CivilDate{2024, 2, 29}, CivilDate{1500, 3, 1}}) {
+      calendar->setTime(localNoon(day, *calendar).secondsSince1970 * 1000.0, status);
+      const CivilDate fields(calendar->get(UCAL_EXTENDED_YEAR, status), calendar->get(UCAL_MONTH, status) + 1,
+                             calendar->get(UCAL_DATE, status));
+      EXPECT_EQ(fields, day);
+      EXPECT_TRUE(U_SUCCESS(status));
+    }
+  }
+}
 
 TEST(PeriodWindows, AreRollingWindowsEndingOnTheGivenDay) {
   const auto windows = ColdStart::windows({2026, 3, 5}, 3, 7);

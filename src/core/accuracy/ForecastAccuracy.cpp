@@ -25,9 +25,31 @@ std::optional<CivilDate> optionalDay(const std::optional<std::string>& text) {
   return text ? CivilDate::fromIso(*text) : std::nullopt;
 }
 
+// Archived by `now`: out of the board and of every count since then.
+bool hasLeft(const Ticket& t, Timestamp now) { return t.archivedAt && *t.archivedAt <= now; }
+
+// Part of the open backlog a forecast run at `runAt` simulated.
+bool wasOpenAt(const Ticket& t, Timestamp runAt) {
+  return t.createdAt <= runAt && !(t.completedAt && *t.completedAt <= runAt) &&
+         !(t.archivedAt && *t.archivedAt <= runAt);
+}
+
+// The logged backlog less the tickets of it that have left: those archived
+// since, and those deleted since, which leave no row and show only as a
+// backlog larger than the tickets open at the run still stored.
+std::int64_t backlogStillThere(const ProjectSnapshot& project, std::int64_t logged, Timestamp runAt, Timestamp now) {
+  std::int64_t archived = 0;
+  std::int64_t stored = 0;
+  for (const Ticket& t : project.tickets) {
+    if (!wasOpenAt(t, runAt)) continue;
+    ++(hasLeft(t, now) ? archived : stored);
+  }
+  return std::clamp<std::int64_t>(logged - archived, 0, stored);
+}
+
 // What happened to the project's scope after a forecast ran.
 struct ScopeEvent {
-  enum Kind { added, removed, completed };  // the order of events at one instant
+  enum Kind { added, completed };  // the order of events at one instant
   Timestamp at;
   Kind kind;
 };
@@ -36,12 +58,7 @@ std::vector<ScopeEvent> eventsBetween(const ProjectSnapshot& project, Timestamp 
   std::vector<ScopeEvent> events;
   const auto within = [&](Timestamp t) { return runAt < t && t <= now; };
   for (const Ticket& t : project.tickets) {
-    if (t.isArchived()) {
-      // Open at the run and archived since: it left the scope unfinished.
-      const bool openAtRun = t.createdAt <= runAt && !(t.completedAt && *t.completedAt <= runAt);
-      if (openAtRun && within(*t.archivedAt)) events.push_back({*t.archivedAt, ScopeEvent::removed});
-      continue;
-    }
+    if (hasLeft(t, now)) continue;
     if (within(t.createdAt)) events.push_back({t.createdAt, ScopeEvent::added});
     if (t.completedAt && within(*t.completedAt)) events.push_back({*t.completedAt, ScopeEvent::completed});
   }
@@ -66,31 +83,26 @@ WhenOutcome judgeWhen(const ForecastRecord& record, CivilDate asOf, std::vector<
                       const ProjectSnapshot& project, Timestamp now) {
   WhenOutcome outcome{record.id,    asOf, std::move(dates), std::max<std::int64_t>(record.backlog, 0), 0,
                       std::nullopt, {}};
-  std::int64_t removed = 0;
+  const std::int64_t covered = backlogStillThere(project, outcome.backlogThen, record.runAt, now);
+  outcome.leftSince = outcome.backlogThen - covered;
   std::int64_t done = 0;
-  const auto caughtUp = [&] { return done >= outcome.backlogThen + outcome.addedSince - removed; };
+  const auto caughtUp = [&] { return done >= covered + outcome.addedSince; };
   if (caughtUp()) {
     outcome.finishedOn = asOf;
   } else {
     for (const ScopeEvent& event : eventsBetween(project, record.runAt, now)) {
-      switch (event.kind) {
-        case ScopeEvent::added:
-          ++outcome.addedSince;
-          break;
-        case ScopeEvent::removed:
-          ++removed;
-          break;
-        case ScopeEvent::completed:
-          ++done;
-          break;
+      if (event.kind == ScopeEvent::added) {
+        ++outcome.addedSince;
+        continue;
       }
-      if (event.kind != ScopeEvent::added && caughtUp()) {
+      ++done;
+      if (caughtUp()) {
         outcome.finishedOn = CivilDate::fromUtc(event.at);
         break;
       }
     }
   }
-  const std::int64_t remaining = std::max<std::int64_t>(outcome.backlogThen + outcome.addedSince - removed - done, 0);
+  const std::int64_t remaining = std::max<std::int64_t>(covered + outcome.addedSince - done, 0);
   outcome.verdict = verdictFor(outcome.dates, outcome.finishedOn, CivilDate::fromUtc(now), remaining);
   return outcome;
 }

@@ -15,24 +15,30 @@ struct ProjectSnapshot;
 
 // One logged "When" forecast set against what happened.
 //
-// The work a forecast covers is the backlog it was run for (backlogThen, the
-// logged backlog) plus every ticket added after the run until that work is
-// first caught up (addedSince). Walking the tickets created and completed
-// after the run in time order (an addition before a completion at the same
-// instant), the covered work is finished at the first moment the completions
-// since the run equal backlogThen plus the additions so far; finishedOn is
-// that moment's UTC day (the run's asOf when nothing was left). Tickets
-// added after that moment belong to later work, so a judged forecast stays
-// judged. Archived tickets count nowhere; a ticket open at the run and
-// archived since leaves the covered work unfinished, so it is taken off it.
+// The work a forecast covers is the backlog it was run for, less the
+// tickets of it that have left the project since (leftSince), plus every
+// ticket added after the run until that work is first caught up
+// (addedSince). A ticket has left once it is archived or deleted; work that
+// left is judged nowhere, neither as scope nor as a completion. Archived
+// tickets keep their rows, so those of the backlog are counted; deleted ones
+// leave none, so the backlog is also capped at the tickets open at the run
+// that are still stored: the difference was deleted (or was a what-if
+// change to the backlog that no ticket stands for). Walking the tickets
+// created and completed after the run in time order (an addition before a
+// completion at the same instant), the covered work is finished at the
+// first moment the completions since the run equal the remaining backlog
+// plus the additions so far; finishedOn is that moment's UTC day (the run's
+// asOf when nothing was left). Tickets added after that moment belong to
+// later work, so a judged forecast stays judged.
 struct WhenOutcome {
   Uuid id;  // the logged record's
   CivilDate asOf;
   std::vector<CivilDate> dates;  // at 50, 70, 85 and 95%
-  std::int64_t backlogThen = 0;
-  std::int64_t addedSince = 0;  // until finishedOn, or until now while open
+  std::int64_t backlogThen = 0;  // the logged backlog
+  std::int64_t addedSince = 0;   // until finishedOn, or until now while open
   std::optional<CivilDate> finishedOn;
   WhenVerdict verdict;
+  std::int64_t leftSince = 0;  // of backlogThen: archived or deleted since the run
 
   friend bool operator==(const WhenOutcome&, const WhenOutcome&) = default;
 };

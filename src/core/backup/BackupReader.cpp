@@ -53,13 +53,14 @@ class Restore {
   }
 
  private:
-  // People are merged by name ignoring case, also with each other: the
+  // People are merged by name, lower-cased as names are told apart (two
+  // people the store keeps apart stay apart), also with each other: the
   // first spelling met (the store's, else the file's) is kept.
   void restorePeople() {
     std::unordered_map<std::string, Uuid> byName;
-    for (const Person& p : rows::select<Person>(db_, "")) byName.emplace(text::folded(p.name), p.id);
+    for (const Person& p : rows::select<Person>(db_, "")) byName.emplace(text::lowered(p.name), p.id);
     for (const PersonRecord& record : file_.people) {
-      const auto [it, isNew] = byName.emplace(text::folded(record.name), Uuid());
+      const auto [it, isNew] = byName.emplace(text::lowered(record.name), Uuid());
       if (isNew) {
         it->second = Uuid::random();
         rows::insert(db_, Person{it->second, record.name, record.colorHex, record.email.value_or(""),

@@ -46,7 +46,7 @@ Project BoardService::createProject(std::string_view name, std::optional<std::st
     for (ColumnTemplate& column : templates) column.name = rules::requireText(column.name, BoardError::emptyText());
     for (std::size_t i = 1; i < templates.size(); ++i) {
       for (std::size_t j = 0; j < i; ++j) {
-        if (text::equalIgnoringCase(templates[j].name, templates[i].name)) {
+        if (text::sameName(templates[j].name, templates[i].name)) {
           throw BoardError::duplicateName(templates[i].name);
         }
       }

@@ -393,7 +393,7 @@ Project BoardService::loadDemoProject(Timestamp now) {
     std::string name = "Demo: Web Shop";
     const std::vector<Project> existing = projects();
     for (int n = 2; std::any_of(existing.begin(), existing.end(),
-                                [&](const Project& p) { return text::equalIgnoringCase(p.name, name); });
+                                [&](const Project& p) { return text::sameName(p.name, name); });
          ++n) {
       name = "Demo: Web Shop " + std::to_string(n);
     }
@@ -415,7 +415,7 @@ Project BoardService::loadDemoProject(Timestamp now) {
     const std::vector<Person> everyone = rows::select<Person>(db_, "");
     for (const DemoPerson& person : people) {
       const auto found = std::find_if(everyone.begin(), everyone.end(),
-                                      [&](const Person& p) { return text::equalIgnoringCase(p.name, person.name); });
+                                      [&](const Person& p) { return text::sameName(p.name, person.name); });
       if (found != everyone.end()) {
         personIds.push_back(found->id);
         continue;

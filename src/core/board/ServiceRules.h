@@ -24,11 +24,12 @@ std::string requireText(std::string_view text, const Error& onEmpty) {
   return trimmed;
 }
 
-// Whether a row other than `self` already carries `name`, ignoring case.
+// Whether a row other than `self` already carries `name`: the same name once
+// lower-cased (text::sameName).
 template <typename Row>
 bool nameTaken(const std::vector<Row>& rows, std::string_view name, const std::optional<Uuid>& self = std::nullopt) {
   return std::any_of(rows.begin(), rows.end(),
-                     [&](const Row& row) { return row.id != self && text::equalIgnoringCase(row.name, name); });
+                     [&](const Row& row) { return row.id != self && text::sameName(row.name, name); });
 }
 
 // The trimmed name of a person, epic or iteration among `others`: empty is

@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "engine/LocalCivilDate.h"
+
 namespace orvane::MonthGrid {
 namespace {
 
@@ -25,7 +27,10 @@ bool sameMonth(icu::Calendar& cal, std::int32_t era, std::int32_t year, std::int
 
 std::vector<CalendarDay> days(Timestamp date, const icu::Calendar& calendar) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::Calendar> cal(calendar.clone());
+  // Months and weekdays of civil days, which are Gregorian whatever
+  // calendar the user's locale prefers; only the zone and the week rules
+  // come from `calendar`.
+  const std::unique_ptr<icu::Calendar> cal = gregorianCalendarLike(calendar);
   if (!cal) return {};
   cal->setTime(toUDate(date), status);
   cal->set(UCAL_DATE, 1);

@@ -115,22 +115,24 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
   report.issues = parsed.issues;
 
   const auto columns = rows::select<BoardColumn>(db, "WHERE project_id = ?1 ORDER BY position, rowid", projectId);
+  // Columns, epics and people are found by name as names are told apart:
+  // lower-cased, so two that the store keeps apart are never confused.
   std::unordered_map<std::string, const BoardColumn*> columnsByName;
   std::unordered_map<Uuid, std::int64_t> activeInColumn;
   const BoardColumn* firstBacklog = nullptr;
   const BoardColumn* firstInProgress = nullptr;
   for (const auto& column : columns) {
-    columnsByName.emplace(text::folded(column.name), &column);
+    columnsByName.emplace(text::lowered(column.name), &column);
     activeInColumn[column.id] = rules::activeCount(db, column.id);
     if (!firstBacklog && column.effectiveType() == ColumnType::backlog) firstBacklog = &column;
     if (!firstInProgress && column.effectiveType() == ColumnType::inProgress) firstInProgress = &column;
   }
   std::unordered_map<std::string, Uuid> epicsByName;
   for (const auto& epic : rows::select<Epic>(db, "WHERE project_id = ?1", projectId)) {
-    epicsByName.emplace(text::folded(epic.name), epic.id);
+    epicsByName.emplace(text::lowered(epic.name), epic.id);
   }
   std::unordered_map<std::string, Uuid> peopleByName;
-  for (const auto& person : rows::select<Person>(db, "")) peopleByName.emplace(text::folded(person.name), person.id);
+  for (const auto& person : rows::select<Person>(db, "")) peopleByName.emplace(text::lowered(person.name), person.id);
 
   std::optional<Timestamp> earliestCreated;
   const auto total = static_cast<std::int64_t>(parsed.rows.size());
@@ -141,7 +143,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
 
     const BoardColumn* column = firstBacklog;
     if (!row.columnName.empty()) {
-      const auto found = columnsByName.find(text::folded(row.columnName));
+      const auto found = columnsByName.find(text::lowered(row.columnName));
       column = found == columnsByName.end() ? nullptr : found->second;
     }
     if (!column) {
@@ -164,7 +166,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
     ticket.projectId = projectId;
     ticket.columnId = column->id;
     if (!row.epicName.empty()) {
-      const auto key = text::folded(row.epicName);
+      const auto key = text::lowered(row.epicName);
       auto found = epicsByName.find(key);
       if (found == epicsByName.end()) {
         const Epic epic{Uuid::random(), row.epicName, std::nullopt, std::nullopt, std::nullopt, "", projectId};
@@ -175,7 +177,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
       ticket.epicId = found->second;
     }
     if (!row.assigneeName.empty()) {
-      const auto key = text::folded(row.assigneeName);
+      const auto key = text::lowered(row.assigneeName);
       auto found = peopleByName.find(key);
       if (found == peopleByName.end()) {
         const Person person{Uuid::random(), row.assigneeName, std::nullopt, "", ""};

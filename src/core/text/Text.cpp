@@ -1,5 +1,6 @@
 #include "core/text/Text.h"
 
+#include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
@@ -42,5 +43,16 @@ std::string folded(std::string_view utf8) {
 }
 
 bool equalIgnoringCase(std::string_view a, std::string_view b) { return a == b || folded(a) == folded(b); }
+
+std::string lowered(std::string_view utf8) {
+  icu::UnicodeString text =
+      icu::UnicodeString::fromUTF8(icu::StringPiece(utf8.data(), static_cast<std::int32_t>(utf8.size())));
+  text.toLower(icu::Locale::getRoot());
+  std::string out;
+  text.toUTF8String(out);
+  return out;
+}
+
+bool sameName(std::string_view a, std::string_view b) { return a == b || lowered(a) == lowered(b); }
 
 }  // namespace orvane::text

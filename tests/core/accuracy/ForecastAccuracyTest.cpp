@@ -98,10 +98,63 @@ TEST(WhenOutcome, ScopeGrowsWithAdditionsUntilTheWorkIsCaughtUp) {
   EXPECT_EQ(early.addedSince, 1);
 }
 
+TEST(WhenOutcome, WorkThatLeftTheProjectLeavesTheScope) {
+  // Deleted tickets leave no rows: each case lists only the tickets still
+  // stored, and the logged backlog says how many were open at the run.
+  struct Case {
+    std::string name;
+    std::int64_t backlog;
+    std::vector<Ticket> tickets;
+    std::optional<std::int64_t> finishedDay;
+    WhenVerdict verdict;
+    std::int64_t leftSince;
+  };
+  using K = WhenVerdict::Kind;
+  const std::vector<Case> cases{
+      {"open at the run, deleted since", 2, {ticket(-5, 3)}, 3, WhenVerdict::finished(K::withinP50), 1},
+      {"the whole backlog deleted", 1, {}, 0, WhenVerdict::finished(K::withinP50), 1},
+      {"the rest still open", 3, {ticket(-5), ticket(-5, 3)}, std::nullopt, WhenVerdict::pastP95(1), 1},
+      {"archived and deleted: each leaves once",
+       3,
+       {ticket(-5, 3), ticket(-5, std::nullopt, 5)},
+       3,
+       WhenVerdict::finished(K::withinP50),
+       2},
+      {"finished, then archived: judged on the rest",
+       2,
+       {ticket(-5, 3, 25), ticket(-5, 12)},
+       12,
+       WhenVerdict::finished(K::withinP70),
+       1},
+      // Done before the run: never part of the backlog, so nothing left it.
+      {"nothing left", 2, {ticket(-9, -1), ticket(-5, 3), ticket(-5, 12)}, 12, WhenVerdict::finished(K::withinP70), 0},
+      {"added since and archived: counts nowhere",
+       1,
+       {ticket(-5, 12), ticket(2, 4, 6)},
+       12,
+       WhenVerdict::finished(K::withinP70),
+       0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ProjectSnapshot s;
+    s.tickets = c.tickets;
+    s.forecasts = {whenRecord(c.backlog)};
+    const std::vector<WhenOutcome> outcomes = accuracyReport(s, on(40)).whenOutcomes;
+    ASSERT_EQ(outcomes.size(), 1u);
+    EXPECT_EQ(outcomes[0].backlogThen, c.backlog);
+    EXPECT_EQ(outcomes[0].leftSince, c.leftSince);
+    EXPECT_EQ(outcomes[0].addedSince, 0);
+    EXPECT_EQ(outcomes[0].finishedOn, c.finishedDay ? std::optional(runDay.addingDays(*c.finishedDay)) : std::nullopt);
+    EXPECT_EQ(outcomes[0].verdict, c.verdict);
+  }
+}
+
 TEST(AccuracyReport, CalibrationCountsOnlyJudgedForecasts) {
-  ProjectSnapshot empty;
-  empty.forecasts = {whenRecord(1), byDateRecord(10, {5, 4, 3, 2})};
-  const AccuracyReport none = accuracyReport(empty, on(5));  // open, and before the target
+  ProjectSnapshot unjudged;
+  unjudged.tickets = {ticket(-3)};
+  unjudged.forecasts = {whenRecord(1), byDateRecord(10, {5, 4, 3, 2})};
+  const AccuracyReport none = accuracyReport(unjudged, on(5));  // open, and before the target
   ASSERT_EQ(none.whenCalibration.size(), 4u);
   for (const auto* table : {&none.whenCalibration, &none.byDateCalibration}) {
     for (const CalibrationRow& row : *table) {
@@ -170,6 +223,28 @@ TEST(AccuracyReport, JudgesALoggedRunAgainstTheBoard) {
   EXPECT_EQ(report.whenOutcomes[0].finishedOn, runDay.addingDays(8));
   EXPECT_EQ(report.whenOutcomes[0].verdict.label(), "By the 85% date");
   EXPECT_EQ(report.whenCalibration, (std::vector<CalibrationRow>{{50, 0, 1}, {70, 0, 1}, {85, 1, 1}, {95, 1, 1}}));
+}
+
+TEST(AccuracyReport, ATicketDeletedAfterTheRunLeavesTheForecastsScope) {
+  testing::TempStore t;
+  const Uuid project = t.service.createProject("Shop", std::nullopt, on(-30)).id;
+  std::vector<Uuid> tickets;
+  for (const char* title : {"A", "B"}) tickets.push_back(t.service.createTicket(project, {.title = title}, on(-20)).id);
+  ForecastService forecasts(t.store);
+  WhenForecast forecast;
+  forecast.asOf = runDay;
+  forecast.backlog = 2;
+  for (auto [level, offset] : {std::pair{50, 5}, {70, 7}, {85, 9}, {95, 12}}) {
+    forecast.dates[level] = runDay.addingDays(offset);
+  }
+  forecasts.log(forecast, project, "", on(0));
+  t.service.moveTicket(tickets[0], t.service.snapshot(project)->columns.back().id, std::nullopt, on(6));
+  t.service.deleteTicket(tickets[1]);
+
+  const WhenOutcome outcome = accuracyReport(*t.service.snapshot(project), on(40)).whenOutcomes.at(0);
+  EXPECT_EQ(outcome.leftSince, 1);
+  EXPECT_EQ(outcome.finishedOn, runDay.addingDays(6));
+  EXPECT_EQ(outcome.verdict.label(), "By the 70% date");
 }
 
 }  // namespace

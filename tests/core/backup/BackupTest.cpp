@@ -261,13 +261,18 @@ TEST(Backup, mergesPeopleByNameIgnoringCaseAndKeepsTheFirstSpelling) {
       {{"id", "11111111-1111-4111-8111-111111111111"}, {"name", "ann"}},
       {{"id", "11111111-1111-4111-8111-111111111112"}, {"name", "Bob"}, {"email", "bob@example.com"}},
       {{"id", "11111111-1111-4111-8111-111111111113"}, {"name", "BOB"}},
+      // Two names the store keeps apart, though case folding makes them one.
+      {{"id", "11111111-1111-4111-8111-111111111114"}, {"name", "Straße"}},
+      {{"id", "11111111-1111-4111-8111-111111111115"}, {"name", "STRASSE"}},
   });
-  EXPECT_EQ(t.service.restoreBackup(file.dump()).people, 1);
+  EXPECT_EQ(t.service.restoreBackup(file.dump()).people, 3);
   const auto people = rows::select<Person>(t.store.db(), "ORDER BY name");
-  ASSERT_EQ(people.size(), 2u);
+  ASSERT_EQ(people.size(), 4u);
   EXPECT_EQ(people[0], ann);
   EXPECT_EQ(people[1].name, "Bob");
   EXPECT_EQ(people[1].email, "bob@example.com");
+  EXPECT_EQ(people[2].name, "STRASSE");
+  EXPECT_EQ(people[3].name, "Straße");
   EXPECT_EQ(t.service.snapshot(t.service.projects().front().id)->tickets.front().assigneeId, ann.id);
 }
 

@@ -64,5 +64,57 @@ TEST_F(BoardRefusals, EachBrokenRuleThrowsItsSentenceAndChangesNothing) {
   });
 }
 
+TEST_F(BoardRefusals, NamesAreOneNameOnlyWhenEqualInLowerCase) {
+  // Case folding would take "Straße" for "STRASSE", "Weiß" for "weiss" and
+  // "ﬁle" (one ligature) for "FILE"; lower-casing keeps them apart.
+  const struct {
+    std::string first;
+    std::string second;
+    bool accepted;
+  } pairs[] = {
+      {"Straße", "STRASSE", true}, {"Weiß", "weiss", true},     {"ﬁle", "FILE", true},
+      {"Émile", "émile", false},   {"ÉLODIE", "Élodie", false},
+  };
+  // Each kind of name: the first added, then the second beside it.
+  const std::vector<std::pair<std::string, std::function<void(const std::string&)>>> kinds{
+      {"project", [&](const std::string& name) { service.createProject(name, std::nullopt, Timestamp{0}); }},
+      {"column", [&](const std::string& name) { service.addColumn(project.id, name, ColumnType::inProgress, {}); }},
+      {"person", [&](const std::string& name) { service.createPerson(name, std::nullopt); }},
+      {"epic", [&](const std::string& name) { service.createEpic(project.id, name, std::nullopt, std::nullopt); }},
+      {"iteration",
+       [&](const std::string& name) { service.createIteration(project.id, name, "", Timestamp{0}, Timestamp{86400}); }},
+  };
+  for (const auto& [kind, add] : kinds) {
+    for (const auto& pair : pairs) {
+      SCOPED_TRACE(kind + ": " + pair.first + " / " + pair.second);
+      add(pair.first);
+      if (pair.accepted) {
+        EXPECT_NO_THROW(add(pair.second));
+        continue;
+      }
+      try {
+        add(pair.second);
+        ADD_FAILURE() << "accepted";
+      } catch (const std::exception& error) {
+        EXPECT_EQ(std::string(error.what()), "\"" + pair.second + "\" is already in use.");
+      }
+    }
+  }
+  // The columns of a new project, given together.
+  for (const auto& pair : pairs) {
+    SCOPED_TRACE("column templates: " + pair.first + " / " + pair.second);
+    const auto create = [&] {
+      service.createProject(
+          "Templates " + pair.first, std::nullopt, Timestamp{0},
+          {{"Backlog", ColumnType::backlog, {}}, {pair.first}, {pair.second}, {"Done", ColumnType::done, {}}});
+    };
+    if (pair.accepted) {
+      EXPECT_NO_THROW(create());
+    } else {
+      EXPECT_THROW(create(), BoardError);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace orvane

@@ -7,6 +7,7 @@
 
 #include "core/calendar/MonthGrid.h"
 #include "engine/CivilDate.h"
+#include "engine/LocalCivilDate.h"
 
 namespace orvane {
 namespace {
@@ -21,6 +22,11 @@ std::unique_ptr<icu::Calendar> calendarIn(const char* zone, UCalendarDaysOfWeek 
 
 Timestamp utc(CivilDate day, int hour) {
   return Timestamp{static_cast<double>(day.daysSinceEpoch() * 86400 + hour * 3600)};
+}
+
+// Midnight of `day` in the calendar's zone (no zone here shifts at midnight).
+Timestamp localMidnight(CivilDate day, const icu::Calendar& calendar) {
+  return Timestamp{localNoon(day, calendar).secondsSince1970 - 12 * 3600};
 }
 
 struct Shape {
@@ -91,6 +97,33 @@ TEST(MonthGrid, DaysStartAtLocalMidnightInTheCalendarsZone) {
   }
 
   EXPECT_EQ(calendar->getTime(status), before);  // the caller's calendar is left alone
+}
+
+TEST(MonthGrid, GregorianMonthsUnderAnIslamicOrPersianCalendar) {
+  // The calendar ICU gives each locale by default, which numbers its own
+  // years and months: the grid keeps to Gregorian months and takes only the
+  // zone and the first weekday from it.
+  const struct {
+    const char* locale;
+    const char* zone;
+    CivilDate gridStart;  // the first weekday on or before 1 February 2024
+  } cases[] = {{"ar_SA", "Asia/Riyadh", {2024, 1, 28}}, {"fa_IR", "Asia/Tehran", {2024, 1, 27}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.locale);
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<icu::Calendar> calendar(
+        icu::Calendar::createInstance(icu::TimeZone::createTimeZone(c.zone), icu::Locale(c.locale), status));
+    ASSERT_TRUE(U_SUCCESS(status));
+    ASSERT_STRNE(calendar->getType(), "gregorian");
+    const auto grid = MonthGrid::days(utc({2024, 2, 29}, 12), *calendar);
+    ASSERT_EQ(grid.size(), 35u);
+    for (std::size_t i = 0; i < grid.size(); ++i) {
+      const CivilDate day = c.gridStart.addingDays(static_cast<std::int64_t>(i));
+      EXPECT_EQ(civilDateFromLocal(grid[i].date, *calendar), day);
+      EXPECT_EQ(grid[i].date, localMidnight(day, *calendar)) << day.description();
+      EXPECT_EQ(grid[i].isInMonth, day.month == 2) << day.description();
+    }
+  }
 }
 
 }  // namespace

@@ -186,6 +186,27 @@ TEST_F(TicketImportTest, CreatesEpicsAndPeopleOnceAndPlacesTicketsAtTheBottom) {
   EXPECT_EQ(s.tickets[2].createdAt, now);
 }
 
+TEST_F(TicketImportTest, FindsEpicsAndPeopleByTheirLowerCasedName) {
+  // Two epics and two people whose names only case folding confuses.
+  const Epic strasse = service.createEpic(project.id, "Straße", std::nullopt, std::nullopt);
+  const Epic upper = service.createEpic(project.id, "STRASSE", std::nullopt, std::nullopt);
+  const Person weiss = service.createPerson("weiss", std::nullopt);
+  const Person sharpS = service.createPerson("Weiß", std::nullopt);
+  const ImportReport report = import(
+      "title,epic,assignee\n"
+      "One,strasse,WEISS\n"
+      "Two,STRAßE,weiß\n");
+  EXPECT_EQ(report.imported, 2);
+  EXPECT_EQ(report.createdEpics, 0);
+  EXPECT_EQ(report.createdPeople, 0);
+  const auto s = snapshot(project.id);
+  ASSERT_EQ(s.tickets.size(), 2u);
+  EXPECT_EQ(s.tickets[0].epicId, upper.id);
+  EXPECT_EQ(s.tickets[0].assigneeId, weiss.id);
+  EXPECT_EQ(s.tickets[1].epicId, strasse.id);
+  EXPECT_EQ(s.tickets[1].assigneeId, sharpS.id);
+}
+
 TEST_F(TicketImportTest, ExtendsTheProjectHistoryOnlyWhenAsked) {
   const std::string text = "title,created_at\nOld,2025-06-01\nNewer,2025-09-01\n";
   EXPECT_EQ(import(text).projectHistoryExtendedTo, std::nullopt);
