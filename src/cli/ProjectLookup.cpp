@@ -24,7 +24,7 @@ std::string namesOf(const std::vector<Row>& rows) {
 ProjectSnapshot loadProject(BoardService& service, std::string_view nameOrKey) {
   const std::string wanted = text::trimmed(nameOrKey);
   const std::vector<Project> projects = service.projects();
-  const auto named = [&](const Project& p) { return text::equalIgnoringCase(p.name, wanted); };
+  const auto named = [&](const Project& p) { return text::sameName(p.name, wanted); };
   auto found = std::find_if(projects.begin(), projects.end(), named);
   if (found != projects.end() && std::count_if(projects.begin(), projects.end(), named) > 1) {
     // Acting on one of them would be a guess; the keys tell them apart.
@@ -75,7 +75,7 @@ const Ticket& findTicket(const ProjectSnapshot& project, std::string_view refere
 const BoardColumn& findColumn(const ProjectSnapshot& project, std::string_view name) {
   const std::string wanted = text::trimmed(name);
   for (const BoardColumn& column : project.columns) {
-    if (text::equalIgnoringCase(column.name, wanted)) return column;
+    if (text::sameName(column.name, wanted)) return column;
   }
   throw CliError("There is no column " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
                  "; its columns are " + namesOf(project.columns) + ".");
@@ -84,7 +84,7 @@ const BoardColumn& findColumn(const ProjectSnapshot& project, std::string_view n
 const Epic& findEpic(const ProjectSnapshot& project, std::string_view name) {
   const std::string wanted = text::trimmed(name);
   for (const Epic& epic : project.epics) {
-    if (text::equalIgnoringCase(epic.name, wanted)) return epic;
+    if (text::sameName(epic.name, wanted)) return epic;
   }
   throw CliError(
       "There is no epic " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
@@ -94,7 +94,7 @@ const Epic& findEpic(const ProjectSnapshot& project, std::string_view name) {
 const Iteration& findIteration(const ProjectSnapshot& project, std::string_view name) {
   const std::string wanted = text::trimmed(name);
   for (const Iteration& iteration : project.iterations) {
-    if (text::equalIgnoringCase(iteration.name, wanted)) return iteration;
+    if (text::sameName(iteration.name, wanted)) return iteration;
   }
   throw CliError("There is no iteration " + inQuotes(wanted) + " in " + inQuotes(project.project.name) +
                  (project.iterations.empty() ? std::string("; it has no iterations.")

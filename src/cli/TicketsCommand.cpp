@@ -53,7 +53,7 @@ std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + 
 const Person& findPerson(const ProjectSnapshot& project, std::string_view name) {
   const std::string wanted = text::trimmed(name);
   for (const Person& person : project.people) {
-    if (text::equalIgnoringCase(person.name, wanted)) return person;
+    if (text::sameName(person.name, wanted)) return person;
   }
   throw CliError("There is no person " + inQuotes(wanted) + "; assignees are named as in the people list.");
 }

@@ -37,8 +37,8 @@ class Restore {
     restorePeople();
     for (const Project& p : rows::select<Project>(db_, "")) {
       existingProjects_.insert(p.id);
-      takenNames_.insert(text::folded(p.name));
-      takenKeys_.insert(text::folded(p.key));
+      takenNames_.insert(text::lowered(p.name));
+      takenKeys_.insert(text::lowered(p.key));
     }
     for (const ProjectLinks& entry : file_.links) {
       auto& group = linksByProject_[entry.projectID];
@@ -75,14 +75,14 @@ class Restore {
   // its name, is named "<name> (restored)", then "(restored 2)" and so on,
   // so every project can be told by its name. A key in use gets a digit.
   void nameFreely(ProjectRecord& r) {
-    const auto nameTaken = [&](const std::string& candidate) { return takenNames_.contains(text::folded(candidate)); };
+    const auto nameTaken = [&](const std::string& candidate) { return takenNames_.contains(text::lowered(candidate)); };
     const std::string name = text::trimmed(r.name);
     r.name = name;
     if (existingProjects_.contains(r.id) || nameTaken(r.name)) {
       r.name = name + " (restored)";
       for (int n = 2; nameTaken(r.name); ++n) r.name = name + " (restored " + std::to_string(n) + ")";
     }
-    takenNames_.insert(text::folded(r.name));
+    takenNames_.insert(text::lowered(r.name));
 
     std::string key = text::trimmed(r.key);
     if (key.empty()) {
@@ -90,8 +90,8 @@ class Restore {
       report_.warnings.push_back(key + ": the project had no key; it was given one made from its name.");
     }
     r.key = key;
-    for (int n = 2; takenKeys_.contains(text::folded(r.key)); ++n) r.key = key + std::to_string(n);
-    takenKeys_.insert(text::folded(r.key));
+    for (int n = 2; takenKeys_.contains(text::lowered(r.key)); ++n) r.key = key + std::to_string(n);
+    takenKeys_.insert(text::lowered(r.key));
     if (r.name != name) {
       report_.warnings.push_back(r.key + ": \"" + name + "\" is already in use; restored as \"" + r.name + "\".");
     }
