@@ -22,7 +22,7 @@ bool isDamage(int code) {
 StoreError readFailure(const std::filesystem::path& path, const SqliteError& error) {
   // A hot journal that could not be played back (its place refuses writing)
   // leaves the file half-written: it is neither read nor judged damaged.
-  if (const auto problem = placeProblemOf(error.code(), error.systemErrno())) {
+  if (const auto problem = placeProblemOf(error.code(), error.systemErrno(), path)) {
     return StoreError(sentenceFor(*problem, path));
   }
   if ((error.code() & 0xFF) == SQLITE_NOTADB) return StoreError(quoted(path) + " is not an Orvane database.");
@@ -128,7 +128,7 @@ Inspection inspect(const std::filesystem::path& path) {
     Database db(path.string(), SQLITE_OPEN_READONLY);
     return inspectWith(db, path);
   } catch (const SqliteError& error) {
-    const auto problem = placeProblemOf(error.code(), error.systemErrno());
+    const auto problem = placeProblemOf(error.code(), error.systemErrno(), path);
     // A hot journal that is still there could not be played back: the file
     // is half-written and must not be read.
     if (!problem || error.code() == SQLITE_READONLY_ROLLBACK) throw readFailure(path, error);
@@ -235,7 +235,7 @@ Store Store::open(const std::filesystem::path& path, WhenUnwritable whenUnwritab
   try {
     return Store(path, openForWriting(path, version));
   } catch (const SqliteError& error) {
-    const auto problem = placeProblemOf(error.code(), error.systemErrno());
+    const auto problem = placeProblemOf(error.code(), error.systemErrno(), path);
     if (!problem) {
       throw StoreError("The database " + quoted(path) + " could not be opened for writing (" + error.what() + ").");
     }
@@ -254,7 +254,7 @@ Store Store::open(const std::filesystem::path& path, WhenUnwritable whenUnwritab
 
 std::optional<std::string> Store::placeProblemBehind(const SqliteError& error) const {
   if (readOnlyReason_ && (error.code() & 0xFF) == SQLITE_READONLY) return readOnlyReason_;
-  if (const auto problem = placeProblemOf(error.code(), error.systemErrno())) return sentenceFor(*problem, path_);
+  if (const auto problem = placeProblemOf(error.code(), error.systemErrno(), path_)) return sentenceFor(*problem, path_);
   return std::nullopt;
 }
 

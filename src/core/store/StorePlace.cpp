@@ -1,6 +1,8 @@
 #include "core/store/StorePlace.h"
 
 #include <sqlite3.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
@@ -43,6 +45,24 @@ std::optional<PlaceProblem> placeProblemOf(const std::filesystem::path& path) {
   if (status.type() == std::filesystem::file_type::directory) return PlaceProblem::isFolder;
   if (status.type() != std::filesystem::file_type::regular) return PlaceProblem::notAFile;
   return std::nullopt;
+}
+
+std::optional<PlaceProblem> placeProblemOfFolder(const std::filesystem::path& folder) {
+  const std::string name = folder.empty() ? std::string(".") : folder.string();
+  struct statvfs disk {};
+  if (statvfs(name.c_str(), &disk) == 0) {
+    if ((disk.f_flag & ST_RDONLY) != 0) return PlaceProblem::readOnly;
+    if (disk.f_bavail == 0) return PlaceProblem::diskFull;
+  }
+  if (access(name.c_str(), W_OK) != 0 && errno != ENOENT) return PlaceProblem::readOnly;
+  return std::nullopt;
+}
+
+std::optional<PlaceProblem> placeProblemOf(int sqliteCode, int systemErrno, const std::filesystem::path& path) {
+  if (const auto problem = placeProblemOf(sqliteCode, systemErrno)) return problem;
+  const int primary = sqliteCode & 0xFF;
+  if (primary != SQLITE_CANTOPEN && primary != SQLITE_IOERR) return std::nullopt;
+  return placeProblemOfFolder(path.parent_path());
 }
 
 std::string sentenceFor(PlaceProblem problem, const std::filesystem::path& path) {

@@ -26,6 +26,17 @@ std::optional<PlaceProblem> placeProblemOf(int sqliteCode, int systemErrno);
 // is judged by what it points to; a path with nothing there has none.
 std::optional<PlaceProblem> placeProblemOf(const std::filesystem::path& path);
 
+// The problem of the folder that holds (or is to hold) a store, asked of the
+// file system itself: a read-only mount, no space left, or no permission to
+// write there. SQLite does not always keep the errno behind a file it could
+// not open (the shared-memory file of a WAL store on a read-only disk).
+std::optional<PlaceProblem> placeProblemOfFolder(const std::filesystem::path& folder);
+
+// The problem behind a failure on the store at `path`: by its codes, or,
+// when SQLite could not open or write a file and kept no errno that tells,
+// by asking the file system about the store's folder.
+std::optional<PlaceProblem> placeProblemOf(int sqliteCode, int systemErrno, const std::filesystem::path& path);
+
 // The one sentence that names the problem of the store at `path` and says
 // what to do about it.
 std::string sentenceFor(PlaceProblem problem, const std::filesystem::path& path);
