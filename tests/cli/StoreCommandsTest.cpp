@@ -148,10 +148,12 @@ TEST_F(StoreCommands, aFolderOrAPipeGivenAsTheStoreIsRefusedAtOnce) {
     std::filesystem::path path;
     std::string err;
   } cases[] = {
-      {dir.path(), "\"" + dir.path().string() + "\" is a folder, not a database file; give the path of a file in it, such as \"" +
+      {dir.path(), "\"" + dir.path().string() +
+                       "\" is a folder, not a database file; give the path of a file in it, such as \"" +
                        (dir.path() / "orvane.sqlite").string() + "\"."},
       // SQLite would wait for ever for a writer on the other end.
-      {fifo, "\"" + fifo.string() + "\" is not a regular file (a pipe, socket or device); give the path of a database file."},
+      {fifo,
+       "\"" + fifo.string() + "\" is not a regular file (a pipe, socket or device); give the path of a database file."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.path.string());

@@ -254,8 +254,8 @@ Store Store::open(const std::filesystem::path& path, WhenUnwritable whenUnwritab
 
 std::optional<std::string> Store::placeProblemBehind(const SqliteError& error) const {
   if (readOnlyReason_ && (error.code() & 0xFF) == SQLITE_READONLY) return readOnlyReason_;
-  if (const auto problem = placeProblemOf(error.code(), error.systemErrno(), path_)) return sentenceFor(*problem, path_);
-  return std::nullopt;
+  const auto problem = placeProblemOf(error.code(), error.systemErrno(), path_);
+  return problem ? std::optional(sentenceFor(*problem, path_)) : std::nullopt;
 }
 
 }  // namespace orvane

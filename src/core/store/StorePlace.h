@@ -10,10 +10,10 @@ namespace orvane {
 // kept rather than in what it holds. A file with such a problem is never
 // called damaged: nothing is wrong with it, and the user can fix the place.
 enum class PlaceProblem {
-  diskFull,   // no space left (SQLITE_FULL, ENOSPC, EDQUOT)
-  readOnly,   // a read-only disk or a folder or file that may not be written
-  isFolder,   // the path names a folder
-  notAFile,   // a pipe, socket or device: SQLite would block on it or worse
+  diskFull,  // no space left (SQLITE_FULL, ENOSPC, EDQUOT)
+  readOnly,  // a read-only disk or a folder or file that may not be written
+  isFolder,  // the path names a folder
+  notAFile,  // a pipe, socket or device: SQLite would block on it or worse
 };
 
 // The problem behind a failure that SQLite reported with `sqliteCode` (its

@@ -116,8 +116,9 @@ void killMidTransaction(const std::filesystem::path& path, const std::function<v
       db.exec("BEGIN IMMEDIATE");
       begin(db);
       db.exec("CREATE TABLE IF NOT EXISTS ballast (b BLOB)");
-      db.exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) "
-              "INSERT INTO ballast SELECT randomblob(3000) FROM n");
+      db.exec(
+          "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) "
+          "INSERT INTO ballast SELECT randomblob(3000) FROM n");
       const char ready = 1;
       if (write(fds[1], &ready, 1) != 1) _exit(3);
       pause();
@@ -213,10 +214,13 @@ TEST(StorePlace, FoldersPipesAndDevicesAreRefusedBeforeSQLiteOpensThem) {
     std::filesystem::path path;
     std::string message;
   } cases[] = {
-      {dir.path(), "\"" + dir.path().string() + "\" is a folder, not a database file; give the path of a file in it, such as \"" +
+      {dir.path(), "\"" + dir.path().string() +
+                       "\" is a folder, not a database file; give the path of a file in it, such as \"" +
                        (dir.path() / "orvane.sqlite").string() + "\"."},
-      {fifo, "\"" + fifo.string() + "\" is not a regular file (a pipe, socket or device); give the path of a database file."},
-      {"/dev/null", "\"/dev/null\" is not a regular file (a pipe, socket or device); give the path of a database file."},
+      {fifo,
+       "\"" + fifo.string() + "\" is not a regular file (a pipe, socket or device); give the path of a database file."},
+      {"/dev/null",
+       "\"/dev/null\" is not a regular file (a pipe, socket or device); give the path of a database file."},
       {blocker / "store" / "orvane.sqlite", "The folder \"" + (blocker / "store").string() +
                                                 "\" for the database cannot be made, because \"" + blocker.string() +
                                                 "\" is a file, not a folder."},
