@@ -202,6 +202,12 @@ TEST(StorePlace, FailuresOfThePlaceAreToldFromDamage) {
     SCOPED_TRACE(std::to_string(c.code) + "/" + std::to_string(c.systemErrno));
     EXPECT_EQ(placeProblemOf(c.code, c.systemErrno), c.problem);
   }
+  // Without a telling errno the folder is asked; a writable one with room is
+  // no excuse, so the failure stays what SQLite said.
+  TempDir dir;
+  EXPECT_EQ(placeProblemOfFolder(dir.path()), std::nullopt);
+  EXPECT_EQ(placeProblemOf(SQLITE_CANTOPEN, 0, dir.path() / "orvane.sqlite"), std::nullopt);
+  EXPECT_EQ(placeProblemOf(SQLITE_CANTOPEN, EROFS, dir.path() / "orvane.sqlite"), PlaceProblem::readOnly);
 }
 
 TEST(StorePlace, FoldersPipesAndDevicesAreRefusedBeforeSQLiteOpensThem) {
