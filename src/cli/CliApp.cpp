@@ -149,7 +149,13 @@ int runCli(std::span<const std::string> args, std::istream& in, std::ostream& ou
     err << orvane::sentenceFor(failure.error()) << '\n';
     return exitUsage;
   } catch (const SqliteError& error) {
-    err << "The database could not be read or written: " << error.what() << '\n';
+    // Every change runs in one transaction, so a refused write left the
+    // store as it was; a full or read-only disk is named, not quoted.
+    if (const std::optional<std::string> place = store.placeProblemBehind(error)) {
+      err << "The change could not be saved: " << *place << '\n';
+    } else {
+      err << "The database could not be read or written: " << error.what() << '\n';
+    }
     return exitFailure;
   } catch (const std::bad_alloc&) {
     err << "There is not enough memory for this " << name << ".\n";

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "core/board/BoardService.h"
 #include "core/forecast/ForecastService.h"
@@ -20,7 +21,8 @@ class StoreAccess {
   StoreAccess& operator=(const StoreAccess&) = delete;
 
   // Throws CliError (exit 1) with "The database could not be opened: " and
-  // the store's own reason when the file cannot be opened.
+  // the store's own reason when the file cannot be opened. A sound store
+  // whose disk is full or read-only is opened for reading only.
   BoardService& service();
   // The forecast service over the same store; throws as service() does.
   ForecastService& forecasts();
@@ -30,6 +32,9 @@ class StoreAccess {
     service();
     return *store_;
   }
+  // The sentence naming the store's place as the cause of `error` (a full
+  // disk, a read-only place); none when it is not, or nothing was opened.
+  std::optional<std::string> placeProblemBehind(const SqliteError& error) const;
 
  private:
   std::optional<std::filesystem::path> path_;

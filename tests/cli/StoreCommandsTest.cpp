@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
@@ -138,6 +139,31 @@ TEST_F(StoreCommands, aFileThatIsNotAnOrvaneStoreIsRefusedAndLeftAlone) {
   const std::filesystem::path unused = dir.path() / "unused" / "orvane.sqlite";
   EXPECT_EQ(runWith({"--store", unused.string(), "simulate", "--samples", "3", "--backlog", "3"}).code, 0);
   EXPECT_FALSE(std::filesystem::exists(unused.parent_path()));
+}
+
+TEST_F(StoreCommands, aFolderOrAPipeGivenAsTheStoreIsRefusedAtOnce) {
+  const std::filesystem::path fifo = dir.path() / "pipe.sqlite";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const struct {
+    std::filesystem::path path;
+    std::string err;
+  } cases[] = {
+      {dir.path(), "\"" + dir.path().string() +
+                       "\" is a folder, not a database file; give the path of a file in it, such as \"" +
+                       (dir.path() / "orvane.sqlite").string() + "\"."},
+      // SQLite would wait for ever for a writer on the other end.
+      {fifo,
+       "\"" + fifo.string() + "\" is not a regular file (a pipe, socket or device); give the path of a database file."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.path.string());
+    const CliRun result = runWith({"--store", c.path.string(), "projects"});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "The database could not be opened: " + c.err + "\n");
+  }
+  EXPECT_TRUE(std::filesystem::is_fifo(fifo));
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "orvane.sqlite"));
 }
 
 TEST_F(StoreCommands, demoLoadsOneMoreProjectEachTime) {

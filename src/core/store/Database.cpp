@@ -7,7 +7,7 @@ namespace orvane {
 namespace {
 
 [[noreturn]] void fail(sqlite3* db, int rc) {
-  throw SqliteError(rc, db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+  throw SqliteError(rc, db ? sqlite3_errmsg(db) : sqlite3_errstr(rc), db ? sqlite3_system_errno(db) : 0);
 }
 
 }  // namespace
@@ -122,9 +122,10 @@ Database::Database(const std::string& path, int flags) {
   const int rc = sqlite3_open_v2(path.c_str(), &db_, flags, nullptr);
   if (rc != SQLITE_OK) {
     const std::string message = db_ ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
+    const int systemErrno = db_ ? sqlite3_system_errno(db_) : 0;
     sqlite3_close_v2(db_);
     db_ = nullptr;
-    throw SqliteError(rc, message);
+    throw SqliteError(rc, message, systemErrno);
   }
   sqlite3_extended_result_codes(db_, 1);
   sqlite3_busy_timeout(db_, 5000);
@@ -155,7 +156,7 @@ void Database::exec(std::string_view sql) {
   if (rc != SQLITE_OK) {
     const std::string message = error ? error : sqlite3_errstr(rc);
     sqlite3_free(error);
-    throw SqliteError(rc, message);
+    throw SqliteError(rc, message, sqlite3_system_errno(db_));
   }
 }
 

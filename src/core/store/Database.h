@@ -16,14 +16,19 @@
 
 namespace orvane {
 
-// A failure reported by SQLite, with its result code.
+// A failure reported by SQLite, with its (extended) result code and the
+// operating system's errno behind it, 0 when there was none: a full disk and
+// a read-only file system are told apart by the latter.
 class SqliteError : public std::runtime_error {
  public:
-  SqliteError(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  SqliteError(int code, const std::string& message, int systemErrno = 0)
+      : std::runtime_error(message), code_(code), systemErrno_(systemErrno) {}
   int code() const { return code_; }
+  int systemErrno() const { return systemErrno_; }
 
  private:
   int code_;
+  int systemErrno_;
 };
 
 // A prepared statement. Parameters are 1-based, result columns 0-based.
