@@ -20,6 +20,7 @@
 #include "app/BoardColumnWidget.h"
 #include "app/BoardView.h"
 #include "app/EmptyStateView.h"
+#include "app/EpicDialog.h"
 #include "app/FilterBar.h"
 #include "app/ImportDialog.h"
 #include "app/MainWindow.h"
@@ -31,6 +32,7 @@
 #include "app/StoreCommands.h"
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
+#include "app/WipLimitField.h"
 
 namespace orvane::app {
 
@@ -119,7 +121,34 @@ int ScreenshotTour::run() {
   auto* addColumn = new AddColumnDialog(&window_);
   addColumn->show();
   save(addColumn, QStringLiteral("13-add-column"));
+  // A limit that would be refused is said where it is typed, and Add waits.
+  addColumn->nameField()->setText(QStringLiteral("QA"));
+  addColumn->limitField()->field()->setText(QStringLiteral("-1"));
+  save(addColumn, QStringLiteral("13b-add-column-limit-refused"));
   delete addColumn;
+
+  // The prefix as it will be stored, shown while it is typed.
+  auto* prefix =
+      new NewProjectDialog([](const QString&, const QString&) { return std::optional<QString>(); }, &window_);
+  prefix->nameField()->setText(QStringLiteral("Forecast clinic"));
+  prefix->keyField()->setText(QStringLiteral("frc x"));
+  prefix->show();
+  save(prefix, QStringLiteral("11b-new-project-prefix"));
+  delete prefix;
+
+  if (project) {
+    if (const std::optional<ProjectSnapshot> snapshot = context_.board().snapshot(*project)) {
+      auto* epic = new EpicDialog(
+          context_.calendar(), snapshot->epics, std::nullopt, [](auto&&...) { return true; }, &window_);
+      epic->findChild<QLineEdit*>(QStringLiteral("name"))->setText(QStringLiteral("Payments"));
+      epic->findChild<QLineEdit*>(QStringLiteral("color"))->setText(QStringLiteral("#zz12"));
+      epic->show();
+      save(epic, QStringLiteral("13c-epic-colour-refused"));
+      epic->findChild<QLineEdit*>(QStringLiteral("color"))->setText(QStringLiteral("#3A7BD5"));
+      save(epic, QStringLiteral("13d-epic-colour-swatch"));
+      delete epic;
+    }
+  }
 
   if (project) {
     window_.deleteSelectedProject();

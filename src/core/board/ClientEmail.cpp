@@ -26,15 +26,6 @@ bool containsWhiteSpace(std::string_view utf8) {
   return false;
 }
 
-std::string lowered(std::string_view utf8) {
-  icu::UnicodeString text =
-      icu::UnicodeString::fromUTF8(icu::StringPiece(utf8.data(), static_cast<std::int32_t>(utf8.size())));
-  text.toLower(icu::Locale::getRoot());
-  std::string out;
-  text.toUTF8String(out);
-  return out;
-}
-
 }  // namespace
 
 bool isValid(std::string_view text) {
@@ -47,6 +38,8 @@ bool isValid(std::string_view text) {
   return domain.find('.') != std::string_view::npos && domain.front() != '.' && domain.back() != '.';
 }
 
-bool same(std::string_view a, std::string_view b) { return lowered(text::trimmed(a)) == lowered(text::trimmed(b)); }
+bool same(std::string_view a, std::string_view b) {
+  return text::lowered(text::trimmed(a)) == text::lowered(text::trimmed(b));
+}
 
 }  // namespace orvane::ClientEmail

@@ -35,15 +35,6 @@ const std::array<std::string_view, 13> headers = {
 
 namespace {
 
-std::string lowerCased(std::string_view text) {
-  icu::UnicodeString unicode =
-      icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-  unicode.toLower(icu::Locale::getRoot());
-  std::string out;
-  unicode.toUTF8String(out);
-  return out;
-}
-
 const std::unordered_map<std::string_view, Field>& aliases() {
   static const std::unordered_map<std::string_view, Field> table = {
       {"title", Field::title},
@@ -99,7 +90,7 @@ std::string dateCell(const std::optional<Timestamp>& instant) {
 }  // namespace
 
 std::string normalizeHeader(std::string_view header) {
-  std::string normal = lowerCased(text::trimmed(header));
+  std::string normal = text::lowered(text::trimmed(header));
   std::replace(normal.begin(), normal.end(), ' ', '_');
   std::replace(normal.begin(), normal.end(), '-', '_');
   return normal;
@@ -113,7 +104,7 @@ std::optional<Field> field(std::string_view header) {
 }
 
 std::optional<TicketPriority> parsePriority(std::string_view text) {
-  const std::string word = lowerCased(text::trimmed(text));
+  const std::string word = text::lowered(text::trimmed(text));
   if (word == "low" || word == "lowest") return TicketPriority::low;
   if (word == "medium" || word == "med" || word == "normal") return TicketPriority::medium;
   if (word == "high") return TicketPriority::high;
@@ -209,7 +200,7 @@ void RowReader::add(const CSV::Record& record, std::int64_t rowNumber) {
   }
 
   if (const std::string blocked = value(Field::blocked); !blocked.empty()) {
-    const std::string word = lowerCased(blocked);
+    const std::string word = text::lowered(blocked);
     row.blocked = word == "yes" || word == "y" || word == "true" || word == "1" || word == "x";
     if (!row.blocked) {
       warn("Blocked \"" + blocked + "\" is not recognised; use Yes or leave it empty. The ticket was not flagged.");
