@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 #include <set>
 
 #include "app/AppContext.h"
@@ -89,17 +90,27 @@ FilterBar::FilterBar(AppContext& context, QWidget* parent) : QWidget(parent), co
   connect(clear_, &QPushButton::clicked, this, &FilterBar::clear);
   connect(&context_, &AppContext::storeChanged, this, &FilterBar::choicesChanged);
 
-  // On a narrow window the bar scrolls sideways instead of widening the window.
+  // Two rows, the words and switches above the six choices, so the whole
+  // bar fits a 1280-pixel screen beside the project list; a narrower window
+  // scrolls the bar sideways instead of widening the window.
   auto* strip = new QWidget;
-  auto* row = new QHBoxLayout(strip);
-  row->setContentsMargins(8, 6, 8, 6);
-  row->addWidget(search_, 2);
-  for (QWidget* widget : std::initializer_list<QWidget*>{status_, iteration_, assignee_, epic_, priority_, tag_,
-                                                         blocked_, thisWeek_, clear_}) {
-    widget->setParent(strip);
-    row->addWidget(widget);
-  }
+  auto* rows = new QVBoxLayout(strip);
+  rows->setContentsMargins(8, 6, 8, 6);
+  rows->setSpacing(4);
+  auto* top = new QHBoxLayout;
+  auto* choices = new QHBoxLayout;
+  rows->addLayout(top);
+  rows->addLayout(choices);
   search_->setParent(strip);
+  top->addWidget(search_, 1);
+  for (QWidget* widget : std::initializer_list<QWidget*>{blocked_, thisWeek_, clear_}) {
+    widget->setParent(strip);
+    top->addWidget(widget);
+  }
+  for (QComboBox* box : {status_, iteration_, assignee_, epic_, priority_, tag_}) {
+    box->setParent(strip);
+    choices->addWidget(box, 1);
+  }
   auto* scroll = new QScrollArea(this);
   scroll->setWidget(strip);
   scroll->setWidgetResizable(true);
