@@ -171,7 +171,11 @@ class Backup(Operation):
             except (ValueError, UnicodeDecodeError):
                 return "partial"
         if [n for n in names if n != "backup.json"]:
-            return "leftover"
+            # A killed writer cannot remove its own temporary file; the next
+            # backup to the same place must.
+            case.run("backup", case.target)
+            if [n for n in os.listdir(case.target_dir) if n != "backup.json"]:
+                return "leftover"
         return None
 
 

@@ -10,13 +10,11 @@
 #include <vector>
 
 #include "core/backup/BackupDocument.h"
+#include "core/model/Ticket.h"
 
 namespace orvane::Backup {
 
-// The highest ticket number a project may hold. Far beyond any real
-// project, and far enough below the 64-bit limit that counting on from it
-// can never overflow.
-inline constexpr std::int64_t maxTicketNumber = 999'999'999;
+using orvane::maxTicketNumber;
 
 // Refuses, before anything is added, a file that holds any of:
 // - a date outside the years 0000 to 9999 (the days the calendar supports);

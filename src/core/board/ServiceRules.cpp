@@ -11,6 +11,16 @@ std::optional<std::string> trimmedColor(const std::optional<std::string>& colorH
   return color;
 }
 
+std::int64_t nextFreeTicketNumber(Database& db, const Project& project) {
+  Statement& highest = db.cached("SELECT coalesce(max(number), 0) FROM tickets WHERE project_id = ?1");
+  highest.bindAll(project.id);
+  highest.step();
+  const std::int64_t inUse = highest.int64(0);
+  highest.reset();
+  const std::int64_t counter = project.nextTicketNumber;
+  return counter > inUse && counter <= maxTicketNumber ? counter : inUse + 1;
+}
+
 std::int64_t activeCount(Database& db, const Uuid& column) {
   Statement& count = db.cached("SELECT count(*) FROM tickets WHERE column_id = ?1 AND archived_at IS NULL");
   count.bindAll(column);

@@ -49,6 +49,12 @@ std::optional<std::string> trimmedColor(const std::optional<std::string>& colorH
 // at the bottom takes.
 std::int64_t activeCount(Database& db, const Uuid& column);
 
+// The number the project's next ticket takes: its counter, unless a store
+// written elsewhere left the counter at or below a number already in use,
+// or past maxTicketNumber; then one above the highest number in use. Never
+// reuses a number, never overflows.
+std::int64_t nextFreeTicketNumber(Database& db, const Project& project);
+
 // Whether `goal` is reached from `from` along the edges. Each node is
 // visited once, so the walk ends even on a graph that holds a cycle.
 bool reaches(const std::unordered_map<Uuid, std::vector<Uuid>>& edges, const Uuid& from, const Uuid& goal);

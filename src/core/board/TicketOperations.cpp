@@ -65,6 +65,7 @@ Ticket BoardService::createTicket(const Uuid& project, const NewTicket& fields, 
     if (fields.epic && requireEpic(*fields.epic).projectId != owner.id) throw BoardError::epicNotInProject();
 
     ticket.id = Uuid::random();
+    owner.nextTicketNumber = rules::nextFreeTicketNumber(db_, owner);
     ticket.number = owner.nextTicketNumber++;
     ticket.details = text::trimmed(fields.details);
     ticket.priorityRaw = static_cast<std::int64_t>(fields.priority);

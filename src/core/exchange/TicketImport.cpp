@@ -110,6 +110,7 @@ ImportReport importTickets(Store& store, const ParsedImport& parsed, const Uuid&
   Transaction transaction(db);
   auto project = rows::find<Project>(db, projectId);
   if (!project) throw MissingRecordError("That project no longer exists.");
+  project->nextTicketNumber = rules::nextFreeTicketNumber(db, *project);
 
   ImportReport report;
   report.issues = parsed.issues;

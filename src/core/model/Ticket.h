@@ -12,6 +12,11 @@
 
 namespace orvane {
 
+// The highest ticket number a project may hold. Far beyond any real
+// project, and far enough below the 64-bit limit that counting on from it
+// can never overflow.
+inline constexpr std::int64_t maxTicketNumber = 999'999'999;
+
 struct Ticket {
   Uuid id;
   std::int64_t number = 0;  // per-project, never reused
@@ -25,7 +30,7 @@ struct Ticket {
   std::optional<Timestamp> archivedAt;
   std::optional<Timestamp> dueDate;
   std::vector<std::string> tags;
-  bool blocked = false;   // the manual flag; see isBlocked for the whole answer
+  bool blocked = false;  // the manual flag; see isBlocked for the whole answer
   bool thisWeek = false;
   Uuid projectId;
   std::optional<Uuid> columnId;

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <limits>
 
+#include "core/exchange/TicketCsv.h"
+#include "core/exchange/TicketImport.h"
 #include "core/store/Rows.h"
 #include "core/support/TempStore.h"
 
@@ -53,8 +56,9 @@ TEST(TicketOperations, NewTicketsAreNumberedPlacedAtTheBottomAndStampedByTheirCo
       b.project.id,
       {" Pay \n", " by card ", TicketPriority::high, std::nullopt, epic.id, at(2025, 3, 1), {" ui ", " ", "x"}},
       at(2025, 1, 6));
-  const Ticket expected{first.id, 1, "Pay", "by card", 2, 0, at(2025, 1, 6), {}, {}, {}, at(2025, 3, 1), {"ui", "x"},
-                        false, false, b.project.id, b.backlog, epic.id};  // in the first backlog column, not started
+  const Ticket expected{first.id,     1,         "Pay",  "by card",      2,           0,     at(2025, 1, 6),
+                        {},           {},        {},     at(2025, 3, 1), {"ui", "x"}, false, false,
+                        b.project.id, b.backlog, epic.id};  // in the first backlog column, not started
   EXPECT_EQ(first, expected);
   EXPECT_EQ(b.get(first.id), first);
   EXPECT_EQ(b.history(first.id), "->Backlog");
@@ -150,13 +154,47 @@ TEST(TicketOperations, EditsAreTrimmedAndEpicsAssignedWithinTheProject) {
   const Uuid card = b.add("Card");
   const Epic epic{Uuid::random(), "Checkout", std::nullopt, std::nullopt, std::nullopt, "", b.project.id};
   rows::insert(b.t.store.db(), epic);
-  b.t.service.updateTicket(card, {" New title ", "\n notes ", TicketPriority::urgent, at(2025, 5, 1), {" a ", "\t", "b"}});
+  b.t.service.updateTicket(card,
+                           {" New title ", "\n notes ", TicketPriority::urgent, at(2025, 5, 1), {" a ", "\t", "b"}});
   b.t.service.assign(card, epic.id);
   Ticket edited = b.get(card);
-  EXPECT_EQ(std::tie(edited.title, edited.details, edited.tags), std::make_tuple("New title", "notes", std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(std::tie(edited.title, edited.details, edited.tags),
+            std::make_tuple("New title", "notes", std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(std::tie(edited.priorityRaw, edited.dueDate, edited.epicId), std::make_tuple(3, at(2025, 5, 1), epic.id));
   b.t.service.assign(card, std::nullopt);
   EXPECT_EQ(b.get(card).epicId, std::nullopt);
+}
+
+TEST(TicketOperations, ACounterAStoreLeftBehindNeverReusesOrOverflowsANumber) {
+  // Counters an older version or another tool could have stored, with
+  // tickets 1 to 3 in use: each new ticket, added or imported, takes a
+  // number no ticket has.
+  const struct {
+    std::int64_t counter;
+    std::int64_t next;
+  } cases[] = {{4, 4},
+               {10, 10},
+               {3, 4},
+               {1, 4},
+               {0, 4},
+               {-7, 4},
+               {maxTicketNumber, maxTicketNumber},
+               {maxTicketNumber + 1, 4},
+               {std::numeric_limits<std::int64_t>::max(), 4}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.counter);
+    Board b;
+    for (const char* title : {"One", "Two", "Three"}) b.add(title);
+    b.t.store.db()
+        .cached("UPDATE projects SET next_ticket_number = ?1 WHERE id = ?2")
+        .bindAll(c.counter, b.project.id)
+        .run();
+    EXPECT_EQ(b.get(b.add("Next")).number, c.next);
+    const ImportReport imported =
+        importTickets(b.t.store, TicketCSV::parse("title\nImported\n"), b.project.id, at(2025, 1, 2), false);
+    ASSERT_EQ(imported.imported, 1);
+    EXPECT_EQ(rows::find<Project>(b.t.store.db(), b.project.id)->nextTicketNumber, c.next + 2);
+  }
 }
 
 TEST(TicketOperations, AColumnOfUnknownTypeActsAsBacklog) {
