@@ -1,0 +1,137 @@
+#include <QDateEdit>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include "app/AppFixture.h"
+#include "app/forecast/ForecastView.h"
+#include "core/accuracy/ForecastNarrative.h"
+#include "core/forecast/ForecastService.h"
+
+using namespace orvane;
+using namespace orvane::app;
+using orvane::testing::AppFixture;
+
+namespace {
+
+// Waits until the view shows its newest run (the simulation runs in the
+// thread pool).
+void settle(ForecastView& view) {
+  if (!view.isComputing()) return;
+  QSignalSpy shown(&view, &ForecastView::forecastShown);
+  while (view.isComputing()) QVERIFY(shown.wait(20000));
+}
+
+QString label(ForecastView& view, const QString& name) {
+  auto* found = view.findChild<QLabel*>(name);
+  if (found == nullptr) qFatal("no label %s", qPrintable(name));
+  return found->text();
+}
+
+QString weeks(double w) {
+  return w == std::floor(w) ? QString::number(static_cast<qint64>(w)) : QString::number(w, 'f', 1);
+}
+
+// The four levels as the view must show them: the forecast service's
+// numbers, the same `orvane-cli forecast when` prints for that day.
+void expectLevels(ForecastView& view, const WhenForecast& expected) {
+  for (const int level : {50, 70, 85, 95}) {
+    QCOMPARE(label(view, QStringLiteral("level%1Weeks").arg(level)), weeks(expected.periods.at(level)));
+    QCOMPARE(label(view, QStringLiteral("level%1Date").arg(level)),
+             QString::fromStdString(expected.dates.at(level).displayText()));
+  }
+}
+
+}  // namespace
+
+class ForecastViewTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void showsTheServiceForecastAndFollowsTheWhatIf();
+  void committedDateIsSetAndClearedThroughTheService();
+  void saysWhatToDoWhenNothingIsOpen();
+};
+
+void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  // A run logged a week ago: the narrative compares against it.
+  const Timestamp weekAgo = orvane::testing::at(2026, 2, 25, 10);
+  service.log(service.input(demo, ForecastService::todayUTC(weekAgo)).runWhen(), demo, "", weekAgo);
+
+  ForecastView view(*f.context, nullptr);
+  view.resize(1200, 900);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+
+  const WhenForecast base = service.input(demo, today).runWhen();
+  expectLevels(view, base);
+  const auto previous = latestBefore(forecastHistory(f.snapshot(demo)), f.clock);
+  QVERIFY(previous.has_value());
+  QStringList sentences;
+  for (const std::string& line : ForecastNarrative::lines(base, previous)) sentences << QString::fromStdString(line);
+  QCOMPARE(label(view, "forecastNarrative"), sentences.join('\n'));
+  QVERIFY(label(view, "forecastNarrative").contains("Since the forecast of"));
+
+  // Table: slider and backlog change against the service's what-if run.
+  struct Case {
+    int percent;
+    int change;
+  };
+  for (const Case c : {Case{30, 0}, Case{-30, 0}, Case{100, 5}, Case{-50, -3}}) {
+    view.findChild<QSlider*>("throughputChange")->setValue(c.percent);
+    view.findChild<QSpinBox*>("backlogChange")->setValue(c.change);
+    settle(view);
+    const WhenForecast whatIf = service.input(demo, today, c.percent, std::nullopt, c.change).runWhen();
+    QVERIFY(whatIf.dates != base.dates);
+    expectLevels(view, whatIf);
+    QVERIFY(label(view, "forecastBacklog").startsWith(QStringLiteral("Backlog: %1 tickets").arg(whatIf.backlog)));
+  }
+}
+
+void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+
+  view.findChild<QDateEdit*>("commitmentDay")->setDate(QDate(2026, 6, 30));
+  view.findChild<QPushButton*>("setCommitment")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::optional(CivilDate(2026, 6, 30).utcMidnight()));
+  const WhenForecast expected = ForecastService(f.t.store).input(demo, ForecastService::todayUTC(f.clock)).runWhen();
+  QVERIFY(expected.commitmentConfidencePct.has_value());
+  const QString chance = QString::number(*expected.commitmentConfidencePct, 'f', 1) + '%';
+  QVERIFY2(label(view, "forecastCommitment").contains("30 Jun 2026"), qPrintable(label(view, "forecastCommitment")));
+  QVERIFY2(label(view, "forecastCommitment").contains(chance), qPrintable(chance));
+
+  view.findChild<QPushButton*>("clearCommitment")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::nullopt);
+  QCOMPARE(label(view, "forecastCommitment"), QString("No committed date."));
+  QVERIFY(!view.findChild<QPushButton*>("clearCommitment")->isEnabled());
+}
+
+void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {
+  AppFixture f;
+  const Uuid empty = f.board().createProject("Quiet", std::nullopt, f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.showProject(empty);
+  view.reloadNow();
+  settle(view);
+  QVERIFY(label(view, "forecastEmpty").contains("Add tickets to the board"));
+}
+
+QTEST_MAIN(ForecastViewTest)
+#include "ForecastViewTest.moc"
