@@ -92,7 +92,13 @@ void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
     const WhenForecast whatIf = service.input(demo, today, c.percent, std::nullopt, c.change).runWhen();
     QVERIFY(whatIf.dates != base.dates);
     expectLevels(view, whatIf);
-    QVERIFY(label(view, "forecastBacklog").startsWith(QStringLiteral("Backlog: %1 tickets").arg(whatIf.backlog)));
+    const QString backlog = c.change == 0 ? QStringLiteral("Backlog: %1 open tickets,").arg(whatIf.backlog)
+                                          : QStringLiteral("Backlog: %1 tickets (%2 open, %3%4 in this scenario),")
+                                                .arg(whatIf.backlog)
+                                                .arg(base.backlog)
+                                                .arg(c.change > 0 ? "+" : "")
+                                                .arg(c.change);
+    QVERIFY2(label(view, "forecastBacklog").startsWith(backlog), qPrintable(label(view, "forecastBacklog")));
   }
 }
 

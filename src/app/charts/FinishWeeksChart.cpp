@@ -87,6 +87,7 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins) {
   y->setTitleText(QStringLiteral("Simulations"));
   y->setRange(0, static_cast<qreal>(largest) * 1.1);
   y->setLabelFormat(QStringLiteral("%d"));
+  y->applyNiceNumbers();
   c->addAxis(x, Qt::AlignBottom);
   c->addAxis(y, Qt::AlignLeft);
   series->attachAxis(x);

@@ -273,10 +273,18 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   }
   pages_->setCurrentIndex(1);
   const std::int64_t change = backlogChange_->value();
-  QString backlog =
-      QStringLiteral("Backlog: %1 %2").arg(forecast.backlog).arg(forecast.backlog == 1 ? "ticket" : "tickets");
-  if (change != 0)
-    backlog += QStringLiteral(" (%1 open, %2%3 in this scenario)").arg(open_).arg(change > 0 ? "+" : "").arg(change);
+  // The backlog as the command line words it: the open tickets, or the
+  // scenario's total with its change.
+  const auto tickets = [](std::int64_t n, const char* noun) {
+    return QStringLiteral("%1 %2%3").arg(n).arg(QLatin1String(noun)).arg(n == 1 ? "" : "s");
+  };
+  QString backlog = QStringLiteral("Backlog: ");
+  if (change == 0) {
+    backlog += tickets(open_, "open ticket");
+  } else {
+    backlog += tickets(forecast.backlog, "ticket") +
+               QStringLiteral(" (%1 open, %2%3 in this scenario)").arg(open_).arg(change > 0 ? "+" : "").arg(change);
+  }
   backlog += QStringLiteral(", as of %1.").arg(QString::fromStdString(forecast.asOf.displayText()));
   backlog_->setText(backlog);
 
