@@ -1,12 +1,17 @@
+#include <QBarCategoryAxis>
+#include <QBarSet>
+#include <QChart>
 #include <QDateEdit>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
+#include <QStackedBarSeries>
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/charts/FinishWeeksChart.h"
 #include "app/forecast/ForecastView.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/forecast/ForecastService.h"
@@ -79,6 +84,24 @@ void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
   for (const std::string& line : ForecastNarrative::lines(base, previous)) sentences << QString::fromStdString(line);
   QCOMPARE(label(view, "forecastNarrative"), sentences.join('\n'));
   QVERIFY(label(view, "forecastNarrative").contains("Since the forecast of"));
+
+  // The chart holds every simulation once, a bar per week of the histogram,
+  // and writes each level under the week it is reached in.
+  QChart* chart = view.findChild<FinishWeeksChart*>()->chart();
+  auto* series = qobject_cast<QStackedBarSeries*>(chart->series().value(0));
+  QVERIFY(series != nullptr);
+  qreal simulations = 0;
+  for (QBarSet* set : series->barSets()) simulations += set->sum();
+  QCOMPARE(simulations, static_cast<qreal>(base.iterations));
+  auto* weeksAxis = qobject_cast<QBarCategoryAxis*>(chart->axes(Qt::Horizontal).value(0));
+  QCOMPARE(weeksAxis->count(), static_cast<int>(base.histogram.size()));
+  for (const int level : {50, 70, 85, 95}) {
+    const QString week = QString::number(static_cast<qint64>(std::ceil(base.periods.at(level))));
+    bool marked = false;
+    for (const QString& category : weeksAxis->categories())
+      marked |= category.startsWith(week + "<br>") && category.contains(QString::number(level) + '%');
+    QVERIFY2(marked, qPrintable(week));
+  }
 
   // Table: slider and backlog change against the service's what-if run.
   struct Case {

@@ -38,7 +38,7 @@ FinishWeeksChart::FinishWeeksChart(QWidget* parent) : QChartView(parent) {
   chart()->setMargins(QMargins(4, 4, 4, 4));
 }
 
-void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins) {
+void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks) {
   QChart* c = chart();
   c->removeAllSeries();
   for (QAbstractAxis* axis : c->axes()) {
@@ -58,7 +58,13 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins) {
   QStringList weeks;
   std::int64_t largest = 0;
   for (const HistogramBin& bin : bins) {
-    weeks << QString::number(bin.period);
+    QString label = QString::number(bin.period);
+    QStringList levelsHere;
+    for (const auto& [level, weeksNeeded] : levelWeeks)
+      if (static_cast<double>(bin.period) >= weeksNeeded && static_cast<double>(bin.period) - 1 < weeksNeeded)
+        levelsHere << QString::number(level) + QLatin1Char('%');
+    if (!levelsHere.isEmpty() && bins.size() <= 40) label += QStringLiteral("<br>") + levelsHere.join(QLatin1Char(' '));
+    weeks << label;
     largest = std::max(largest, bin.count);
     for (std::size_t i = 0; i < bandLooks.size(); ++i)
       *sets[i] << (bandLooks[i].band == bin.band ? static_cast<qreal>(bin.count) : 0.0);
@@ -75,7 +81,7 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins) {
 
   auto* x = new QBarCategoryAxis;
   x->append(weeks);
-  x->setTitleText(QStringLiteral("Weeks from today"));
+  x->setTitleText(QStringLiteral("Weeks from today, with the confidence levels reached in each"));
   // Many weeks crowd their numbers together; every label stays but smaller.
   if (weeks.size() > 40) {
     QFont font = x->labelsFont();

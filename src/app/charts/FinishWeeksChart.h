@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChartView>
+#include <map>
 #include <vector>
 
 #include "engine/Histogram.h"
@@ -9,15 +10,16 @@ namespace orvane::app {
 
 // The finish weeks of a forecast's simulations as bars, one per week, each
 // coloured by the confidence band it falls in (up to 50%, 70%, 85%, 95%, and
-// the tail), so the four levels read off where the colour changes.
+// the tail); the week of each level carries the level under its number.
 class FinishWeeksChart : public QChartView {
   Q_OBJECT
 
  public:
   explicit FinishWeeksChart(QWidget* parent);
 
-  // Replaces the bars with `bins`; none clears the chart.
-  void showHistogram(const std::vector<HistogramBin>& bins);
+  // Replaces the bars with `bins`; none clears the chart. Each level of
+  // `levelWeeks` (confidence -> weeks) is written under the week it falls in.
+  void showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks);
 };
 
 }  // namespace orvane::app

@@ -319,7 +319,7 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   QStringList lines;
   for (const std::string& sentence : sentences) lines << QString::fromStdString(sentence);
   narrative_->setText(lines.join(QLatin1Char('\n')));
-  chart_->showHistogram(forecast.histogram);
+  chart_->showHistogram(forecast.histogram, forecast.periods);
 }
 
 void ForecastView::setCommitment(bool clear) {
