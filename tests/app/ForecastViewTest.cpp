@@ -1,7 +1,9 @@
 #include <QBarCategoryAxis>
 #include <QBarSet>
 #include <QChart>
+#include <QComboBox>
 #include <QDateEdit>
+#include <QDoubleSpinBox>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -58,6 +60,7 @@ class ForecastViewTest : public QObject {
  private slots:
   void showsTheServiceForecastAndFollowsTheWhatIf();
   void committedDateIsSetAndClearedThroughTheService();
+  void epicScopeRunsAtTheShareAndRefusesABadOne();
   void saysWhatToDoWhenNothingIsOpen();
 };
 
@@ -150,6 +153,41 @@ void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
   QCOMPARE(f.snapshot(demo).project.committedDate, std::nullopt);
   QCOMPARE(label(view, "forecastCommitment"), QString("No committed date."));
   QVERIFY(!view.findChild<QPushButton*>("clearCommitment")->isEnabled());
+}
+
+void ForecastViewTest::epicScopeRunsAtTheShareAndRefusesABadOne() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  std::optional<Epic> busy;
+  for (const Epic& epic : f.snapshot(demo).epics)
+    if (!busy && service.input(epic, 1, today, f.context->calendar()).backlog > 0) busy = epic;
+  QVERIFY(busy.has_value());
+
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  auto* scope = view.findChild<QComboBox*>("forecastScope");
+  scope->setCurrentIndex(scope->findText(QString::fromStdString("Epic: " + busy->name)));
+  auto* share = view.findChild<QDoubleSpinBox*>("capacityShare");
+  share->setValue(40);
+  settle(view);
+  const WhenForecast expected = service.input(*busy, 0.4, today, f.context->calendar()).runWhen();
+  expectLevels(view, expected);
+  QVERIFY(label(view, "forecastBacklog").contains("at 40% of the team's throughput"));
+
+  // Outside 0 < share <= 100 the service refuses, in its words; the last
+  // forecast stays on screen.
+  share->setValue(0);
+  settle(view);
+  QCOMPARE(label(view, "scopeProblem"), QString("The share of capacity must be above 0 and at most 100 per cent."));
+  expectLevels(view, expected);
+  share->setValue(100);
+  settle(view);
+  QCOMPARE(label(view, "scopeProblem"), QString());
+  expectLevels(view, service.input(*busy, 1, today, f.context->calendar()).runWhen());
 }
 
 void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {

@@ -1,12 +1,15 @@
 #include "app/forecast/ForecastView.h"
 
+#include <QComboBox>
 #include <QDateEdit>
+#include <QDoubleSpinBox>
 #include <QFutureWatcher>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QSignalBlocker>
 #include <QSlider>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -78,9 +81,39 @@ ForecastView::ForecastView(AppContext& context, QWidget* parent) : ProjectViewBa
   scroll->setWidget(buildForecastPage());
   pages_->addWidget(scroll);
 
+  // The scope stays above both pages, so an epic with nothing open can be
+  // left for another.
+  scopeRow_ = new QWidget(this);
+  auto* scopeLayout = new QHBoxLayout(scopeRow_);
+  scopeLayout->setContentsMargins(24, 12, 24, 0);
+  scopeLayout->addWidget(new QLabel(QStringLiteral("Forecast for:"), scopeRow_));
+  scope_ = new QComboBox(scopeRow_);
+  scope_->setObjectName(QStringLiteral("forecastScope"));
+  scope_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  scopeLayout->addWidget(scope_);
+  scopeLayout->addSpacing(24);
+  shareLabel_ = new QLabel(QStringLiteral("Share of the team's capacity:"), scopeRow_);
+  scopeLayout->addWidget(shareLabel_);
+  share_ = new QDoubleSpinBox(scopeRow_);
+  share_->setObjectName(QStringLiteral("capacityShare"));
+  // 0 stays reachable so that the service's refusal is what the user reads.
+  share_->setRange(0, 100);
+  share_->setDecimals(0);
+  share_->setValue(100);
+  share_->setSuffix(QStringLiteral("%"));
+  scopeLayout->addWidget(share_);
+  scopeProblem_ = new QLabel(scopeRow_);
+  scopeProblem_->setObjectName(QStringLiteral("scopeProblem"));
+  scopeProblem_->setStyleSheet(QStringLiteral("color: #b3261e;"));
+  scopeLayout->addWidget(scopeProblem_);
+  scopeLayout->addStretch(1);
+  connect(scope_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] { recompute(); });
+  connect(share_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { recompute(); });
+
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(pages_);
+  layout->addWidget(scopeRow_);
+  layout->addWidget(pages_, 1);
 }
 
 ForecastView::~ForecastView() = default;
@@ -99,7 +132,9 @@ QWidget* ForecastView::buildForecastPage() {
   column->addWidget(backlog_);
 
   // What-if: the team's weekly throughput changed, tickets added or removed.
-  auto* whatIf = new QHBoxLayout;
+  whatIfRow_ = new QWidget(page);
+  auto* whatIf = new QHBoxLayout(whatIfRow_);
+  whatIf->setContentsMargins(0, 0, 0, 0);
   whatIf->addWidget(new QLabel(QStringLiteral("Throughput change:"), page));
   throughput_ = new QSlider(Qt::Horizontal, page);
   throughput_->setObjectName(QStringLiteral("throughputChange"));
@@ -123,7 +158,7 @@ QWidget* ForecastView::buildForecastPage() {
   backlogChange_->setSuffix(QStringLiteral(" tickets"));
   whatIf->addWidget(backlogChange_);
   whatIf->addStretch(1);
-  column->addLayout(whatIf);
+  column->addWidget(whatIfRow_);
   connect(throughput_, &QSlider::valueChanged, this, [this] { recompute(); });
   connect(backlogChange_, qOverload<int>(&QSpinBox::valueChanged), this, [this] { recompute(); });
 
@@ -168,17 +203,21 @@ QWidget* ForecastView::buildForecastPage() {
   commitment_->setObjectName(QStringLiteral("forecastCommitment"));
   commitmentRow->addWidget(commitment_);
   commitmentRow->addSpacing(16);
+  commitmentControls_ = new QWidget(page);
+  auto* controls = new QHBoxLayout(commitmentControls_);
+  controls->setContentsMargins(0, 0, 0, 0);
   commitmentDay_ = new QDateEdit(page);
   commitmentDay_->setObjectName(QStringLiteral("commitmentDay"));
   commitmentDay_->setCalendarPopup(true);
   commitmentDay_->setDisplayFormat(QStringLiteral("d MMM yyyy"));
-  commitmentRow->addWidget(commitmentDay_);
+  controls->addWidget(commitmentDay_);
   auto* setCommitmentButton = new QPushButton(QStringLiteral("Set committed date"), page);
   setCommitmentButton->setObjectName(QStringLiteral("setCommitment"));
-  commitmentRow->addWidget(setCommitmentButton);
+  controls->addWidget(setCommitmentButton);
   clearCommitment_ = new QPushButton(QStringLiteral("Clear"), page);
   clearCommitment_->setObjectName(QStringLiteral("clearCommitment"));
-  commitmentRow->addWidget(clearCommitment_);
+  controls->addWidget(clearCommitment_);
+  commitmentRow->addWidget(commitmentControls_);
   commitmentRow->addStretch(1);
   column->addLayout(commitmentRow);
   connect(setCommitmentButton, &QPushButton::clicked, this, [this] { setCommitment(false); });
@@ -202,12 +241,15 @@ void ForecastView::showEmpty(const QString& text) {
 
 void ForecastView::reload() {
   const auto snap = snapshot();
+  scopeRow_->setVisible(snap != nullptr);
   if (!snap) {
     showEmpty(QStringLiteral("Choose a project to see when its work will be done."));
     return;
   }
   open_ = snap->remainingBacklog();
+  projectName_ = snap->project.name;
   previous_ = latestBefore(forecastHistory(*snap), context_.now());
+  fillScopes(*snap);
   if (open_ == 0) {
     ++pendingGeneration_;
     shownGeneration_ = pendingGeneration_;
@@ -220,8 +262,36 @@ void ForecastView::reload() {
   recompute();
 }
 
+void ForecastView::fillScopes(const ProjectSnapshot& project) {
+  const QString chosen = scope_->currentData().toString();
+  // Refilling is no choice of the user's: the caller recomputes once after.
+  const QSignalBlocker quiet(scope_);
+  epics_ = project.epics;
+  scope_->clear();
+  scope_->addItem(QStringLiteral("The whole project"), QString());
+  for (const Epic& epic : epics_)
+    scope_->addItem(QStringLiteral("Epic: ") + QString::fromStdString(epic.name),
+                    QString::fromStdString(epic.id.text()));
+  scope_->setCurrentIndex(std::max(0, scope_->findData(chosen)));
+}
+
+const Epic* ForecastView::chosenEpic() const {
+  const QString id = scope_->currentData().toString();
+  for (const Epic& epic : epics_)
+    if (QString::fromStdString(epic.id.text()) == id) return &epic;
+  return nullptr;
+}
+
 void ForecastView::recompute() {
   if (!project()) return;
+  const Epic* epic = chosenEpic();
+  shareLabel_->setVisible(epic != nullptr);
+  share_->setVisible(epic != nullptr);
+  // An epic runs at its share of the team; the what-if and the committed
+  // date belong to the whole project.
+  whatIfRow_->setVisible(epic == nullptr);
+  commitmentControls_->setVisible(epic == nullptr);
+  scopeProblem_->clear();
   const int percent = throughput_->value();
   throughputValue_->setText((percent > 0 ? QStringLiteral("+") : QString()) + QString::number(percent) +
                             QLatin1Char('%'));
@@ -230,10 +300,15 @@ void ForecastView::recompute() {
   ForecastInput input;
   try {
     ForecastService forecasts(context_.store());
-    input = forecasts.input(*project(), ForecastService::todayUTC(context_.now()), percent, std::nullopt,
-                            backlogChange_->value());
+    const CivilDate today = ForecastService::todayUTC(context_.now());
+    input = epic != nullptr ? forecasts.input(*epic, share_->value() / 100, today, context_.calendar())
+                            : forecasts.input(*project(), today, percent, std::nullopt, backlogChange_->value());
   } catch (const std::exception& error) {
-    showEmpty(QString::fromStdString(error.what()));
+    // A refused share: the sentence goes beside the field, the last forecast stays.
+    ++pendingGeneration_;
+    shownGeneration_ = pendingGeneration_;
+    scopeProblem_->setText(QString::fromStdString(error.what()));
+    emit forecastShown();
     return;
   }
   const std::uint64_t generation = ++pendingGeneration_;
@@ -263,7 +338,15 @@ void ForecastView::recompute() {
 }
 
 void ForecastView::showForecast(const WhenForecast& forecast) {
-  const std::vector<std::string> sentences = ForecastNarrative::lines(forecast, previous_);
+  const Epic* epic = chosenEpic();
+  // Logged runs are of the whole project: an epic has no previous run.
+  const std::vector<std::string> sentences =
+      ForecastNarrative::lines(forecast, epic != nullptr ? std::nullopt : previous_);
+  if (epic != nullptr && forecast.backlog <= 0) {
+    showEmpty(QStringLiteral("Nothing is open in the epic “%1”. Choose another epic or the whole project above.")
+                  .arg(QString::fromStdString(epic->name)));
+    return;
+  }
   if (forecast.dates.size() < 4) {
     // No finished work and no estimate: the simulations never finish.
     showEmpty(QString::fromStdString(sentences.front()) +
@@ -272,14 +355,20 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
     return;
   }
   pages_->setCurrentIndex(1);
-  const std::int64_t change = backlogChange_->value();
+  heading_->setText(epic != nullptr
+                        ? QStringLiteral("When will the epic “%1” be done?").arg(QString::fromStdString(epic->name))
+                        : QStringLiteral("When will it be done?"));
+  const std::int64_t change = epic != nullptr ? 0 : backlogChange_->value();
   // The backlog as the command line words it: the open tickets, or the
   // scenario's total with its change.
   const auto tickets = [](std::int64_t n, const char* noun) {
     return QStringLiteral("%1 %2%3").arg(n).arg(QLatin1String(noun)).arg(n == 1 ? "" : "s");
   };
   QString backlog = QStringLiteral("Backlog: ");
-  if (change == 0) {
+  if (epic != nullptr) {
+    backlog += tickets(forecast.backlog, "open ticket") +
+               QStringLiteral(", at %1% of the team's throughput").arg(share_->value());
+  } else if (change == 0) {
     backlog += tickets(open_, "open ticket");
   } else {
     backlog += tickets(forecast.backlog, "ticket") +
@@ -302,15 +391,17 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   if (forecast.commitment && forecast.commitmentConfidencePct) {
     const double pct = *forecast.commitmentConfidencePct;
     commitment_->setText(
-        QStringLiteral("Committed date %1%2<span style=\"color:%3; font-weight:bold\">%4</span> "
+        QStringLiteral("%1 %2%3<span style=\"color:%4; font-weight:bold\">%5</span> "
                        "chance of finishing by then.")
-            .arg(QString::fromStdString(forecast.commitment->displayText()),
+            .arg(epic != nullptr ? QStringLiteral("Due date") : QStringLiteral("Committed date"),
+                 QString::fromStdString(forecast.commitment->displayText()),
                  *forecast.commitment < forecast.asOf ? QStringLiteral(" has passed: ") : QStringLiteral(": "),
                  chanceColour(pct), chanceText(pct)));
     const CivilDate& day = *forecast.commitment;
     commitmentDay_->setDate(QDate(static_cast<int>(day.year), static_cast<int>(day.month), static_cast<int>(day.day)));
   } else {
-    commitment_->setText(QStringLiteral("No committed date."));
+    commitment_->setText(epic != nullptr ? QStringLiteral("The epic has no due date.")
+                                         : QStringLiteral("No committed date."));
     const CivilDate& p85 = forecast.dates.at(85);
     commitmentDay_->setDate(QDate(static_cast<int>(p85.year), static_cast<int>(p85.month), static_cast<int>(p85.day)));
   }

@@ -2,12 +2,17 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "app/ProjectViewBase.h"
 #include "core/accuracy/ForecastAccuracy.h"
 #include "core/forecast/ForecastInput.h"
+#include "core/model/Epic.h"
 
+class QComboBox;
 class QDateEdit;
+class QDoubleSpinBox;
 class QGridLayout;
 class QLabel;
 class QPushButton;
@@ -19,7 +24,8 @@ namespace orvane::app {
 
 class FinishWeeksChart;
 
-// "When will it be done?" for the whole project: the dates and weeks at 50,
+// "When will it be done?" for the whole project or one epic (at a share of
+// the team's capacity): the dates and weeks at 50,
 // 70, 85 and 95% confidence, the committed date's chance, the forecast in
 // sentences and the histogram of finish weeks. A what-if slider and a backlog
 // change re-run the forecast; inputs are read on this thread, the pure
@@ -46,9 +52,19 @@ class ForecastView : public ProjectViewBase {
   void showForecast(const WhenForecast& forecast);
   void showEmpty(const QString& text);
   void setCommitment(bool clear);
+  void fillScopes(const ProjectSnapshot& project);
+  // The epic chosen as the scope; none for the whole project.
+  const Epic* chosenEpic() const;
   QWidget* buildForecastPage();
 
+  QWidget* scopeRow_ = nullptr;
+  QComboBox* scope_ = nullptr;
+  QLabel* shareLabel_ = nullptr;
+  QDoubleSpinBox* share_ = nullptr;
+  QLabel* scopeProblem_ = nullptr;
   QStackedWidget* pages_ = nullptr;
+  QWidget* whatIfRow_ = nullptr;
+  QWidget* commitmentControls_ = nullptr;
   QLabel* empty_ = nullptr;
   QLabel* heading_ = nullptr;
   QLabel* backlog_ = nullptr;
@@ -63,6 +79,8 @@ class ForecastView : public ProjectViewBase {
   QLabel* narrative_ = nullptr;
   FinishWeeksChart* chart_ = nullptr;
 
+  std::vector<Epic> epics_;
+  std::string projectName_;
   std::optional<ForecastHistoryPoint> previous_;
   std::int64_t open_ = 0;
   std::uint64_t pendingGeneration_ = 0;
