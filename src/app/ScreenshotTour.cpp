@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QEventLoop>
 #include <QLineEdit>
 #include <QListView>
@@ -118,6 +120,16 @@ int ScreenshotTour::run() {
     }
     slider->setValue(0);
     awaitForecast(*forecast);
+    // The first epic at half of the team's capacity.
+    auto* scope = forecast->findChild<QComboBox*>(QStringLiteral("forecastScope"));
+    if (scope->count() > 1) {
+      forecast->findChild<QDoubleSpinBox*>(QStringLiteral("capacityShare"))->setValue(50);
+      scope->setCurrentIndex(1);
+      awaitForecast(*forecast);
+      save(&window_, QStringLiteral("07-forecast-epic"));
+      scope->setCurrentIndex(0);
+      awaitForecast(*forecast);
+    }
   }
 
   window_.setViewMode(ProjectViewMode::board);
