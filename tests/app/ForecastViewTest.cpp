@@ -136,16 +136,43 @@ void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
   view.reloadNow();
   settle(view);
 
-  view.findChild<QDateEdit*>("commitmentDay")->setDate(QDate(2026, 6, 30));
+  // Two days before the second week of the histogram ends: that week is
+  // the first to end after it.
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  const CivilDate secondWeek = service.input(demo, today).runWhen().histogram.at(1).date;
+  const CivilDate committed = CivilDate::fromDaysSinceEpoch(secondWeek.daysSinceEpoch() - 2);
+  view.findChild<QDateEdit*>("commitmentDay")
+      ->setDate(
+          QDate(static_cast<int>(committed.year), static_cast<int>(committed.month), static_cast<int>(committed.day)));
   view.findChild<QPushButton*>("setCommitment")->click();
   view.reloadNow();
   settle(view);
-  QCOMPARE(f.snapshot(demo).project.committedDate, std::optional(CivilDate(2026, 6, 30).utcMidnight()));
-  const WhenForecast expected = ForecastService(f.t.store).input(demo, ForecastService::todayUTC(f.clock)).runWhen();
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::optional(committed.utcMidnight()));
+  const WhenForecast expected = service.input(demo, today).runWhen();
   QVERIFY(expected.commitmentConfidencePct.has_value());
   const QString chance = QString::number(*expected.commitmentConfidencePct, 'f', 1) + '%';
-  QVERIFY2(label(view, "forecastCommitment").contains("30 Jun 2026"), qPrintable(label(view, "forecastCommitment")));
+  QVERIFY2(label(view, "forecastCommitment").contains(QString::fromStdString(committed.displayText())),
+           qPrintable(label(view, "forecastCommitment")));
   QVERIFY2(label(view, "forecastCommitment").contains(chance), qPrintable(chance));
+
+  // The chart marks the first week ending on or after the committed date,
+  // and hovering a bar gives its day and the share finished by then.
+  auto* chart = view.findChild<FinishWeeksChart*>();
+  auto* weeksAxis = qobject_cast<QBarCategoryAxis*>(chart->chart()->axes(Qt::Horizontal).value(0));
+  QStringList marked;
+  for (const QString& category : weeksAxis->categories())
+    if (category.contains("committed")) marked << category;
+  const auto committedBin = std::find_if(expected.histogram.begin(), expected.histogram.end(),
+                                         [&](const HistogramBin& bin) { return !(bin.date < committed); });
+  QCOMPARE(committedBin - expected.histogram.begin(), 1);
+  QCOMPARE(marked.size(), 1);
+  QVERIFY(marked.front().startsWith(QString::number(committedBin->period) + "<br>"));
+  const HistogramBin& first = expected.histogram.front();
+  QCOMPARE(chart->hoverText(0), QStringLiteral("Week %1, by %2: %3% of the simulations are finished.")
+                                    .arg(first.period)
+                                    .arg(QString::fromStdString(first.date.displayText()))
+                                    .arg(first.cumulativePct, 0, 'f', 2));
 
   view.findChild<QPushButton*>("clearCommitment")->click();
   view.reloadNow();

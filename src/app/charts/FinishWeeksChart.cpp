@@ -3,8 +3,10 @@
 #include <QBarCategoryAxis>
 #include <QBarSet>
 #include <QChart>
+#include <QCursor>
 #include <QLegend>
 #include <QStackedBarSeries>
+#include <QToolTip>
 #include <QValueAxis>
 #include <algorithm>
 #include <array>
@@ -38,7 +40,18 @@ FinishWeeksChart::FinishWeeksChart(QWidget* parent) : QChartView(parent) {
   chart()->setMargins(QMargins(4, 4, 4, 4));
 }
 
-void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks) {
+QString FinishWeeksChart::hoverText(int index) const {
+  if (index < 0 || index >= static_cast<int>(bins_.size())) return {};
+  const HistogramBin& bin = bins_[static_cast<std::size_t>(index)];
+  return QStringLiteral("Week %1, by %2: %3 of the simulations are finished.")
+      .arg(bin.period)
+      .arg(QString::fromStdString(bin.date.displayText()))
+      .arg(QString::number(bin.cumulativePct, 'f', 2) + QLatin1Char('%'));
+}
+
+void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks,
+                                     const std::optional<CivilDate>& committed) {
+  bins_ = bins;
   QChart* c = chart();
   c->removeAllSeries();
   for (QAbstractAxis* axis : c->axes()) {
@@ -57,12 +70,17 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, cons
   }
   QStringList weeks;
   std::int64_t largest = 0;
+  bool committedMarked = false;
   for (const HistogramBin& bin : bins) {
     QString label = QString::number(bin.period);
     QStringList levelsHere;
     for (const auto& [level, weeksNeeded] : levelWeeks)
       if (static_cast<double>(bin.period) >= weeksNeeded && static_cast<double>(bin.period) - 1 < weeksNeeded)
         levelsHere << QString::number(level) + QLatin1Char('%');
+    if (committed && !committedMarked && !(bin.date < *committed)) {
+      levelsHere << QStringLiteral("committed");
+      committedMarked = true;
+    }
     if (!levelsHere.isEmpty() && bins.size() <= 40) label += QStringLiteral("<br>") + levelsHere.join(QLatin1Char(' '));
     weeks << label;
     largest = std::max(largest, bin.count);
@@ -72,6 +90,13 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, cons
   for (std::size_t i = 0; i < bandLooks.size(); ++i) {
     // A band no bin falls in would only add a legend entry for nothing.
     if (sets[i]->sum() > 0) {
+      connect(sets[i], &QBarSet::hovered, this, [this](bool entered, int index) {
+        if (entered) {
+          QToolTip::showText(QCursor::pos(), hoverText(index), this);
+        } else {
+          QToolTip::hideText();
+        }
+      });
       series->append(sets[i]);
     } else {
       delete sets[i];

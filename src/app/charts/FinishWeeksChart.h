@@ -2,6 +2,7 @@
 
 #include <QChartView>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "engine/Histogram.h"
@@ -18,8 +19,16 @@ class FinishWeeksChart : public QChartView {
   explicit FinishWeeksChart(QWidget* parent);
 
   // Replaces the bars with `bins`; none clears the chart. Each level of
-  // `levelWeeks` (confidence -> weeks) is written under the week it falls in.
-  void showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks);
+  // `levelWeeks` (confidence -> weeks) is written under the week it falls in,
+  // and so is `committed` ("committed"), the first week ending on or after it.
+  void showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks,
+                     const std::optional<CivilDate>& committed);
+  // What hovering the bar of bins[index] says: its finish day and the share
+  // of simulations finished by then.
+  QString hoverText(int index) const;
+
+ private:
+  std::vector<HistogramBin> bins_;
 };
 
 }  // namespace orvane::app

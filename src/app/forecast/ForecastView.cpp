@@ -410,7 +410,9 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   QStringList lines;
   for (const std::string& sentence : sentences) lines << QString::fromStdString(sentence);
   narrative_->setText(lines.join(QLatin1Char('\n')));
-  chart_->showHistogram(forecast.histogram, forecast.periods);
+  // Only the project's committed date: an epic's due date has its own
+  // sentence and would crowd the weeks.
+  chart_->showHistogram(forecast.histogram, forecast.periods, epic == nullptr ? forecast.commitment : std::nullopt);
 }
 
 void ForecastView::setCommitment(bool clear) {
