@@ -12,6 +12,7 @@ packages=(
   zlib1g-dev                     # raw DEFLATE inside ZIP and XLSX files
   libexpat1-dev                  # XML inside XLSX files
   qt6-base-dev                   # the desktop application
+  qt6-charts-dev libqt6opengl6-dev  # the app's charts (Qt Charts needs the OpenGL module to configure)
   xvfb xauth                     # tools/screenshots draws the app without a display
   libgtest-dev libgmock-dev      # tests
   libbenchmark-dev               # benchmarks

@@ -13,6 +13,7 @@
 #include "app/PlaceholderView.h"
 #include "app/SnapshotCache.h"
 #include "app/TicketListView.h"
+#include "app/forecast/ForecastView.h"
 
 namespace orvane::app {
 
@@ -44,14 +45,7 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   auto* iterations = new IterationsView(context_, stack_);
   install(ProjectViewMode::epics, epics);
   install(ProjectViewMode::iterations, iterations);
-  install(
-      ProjectViewMode::forecast,
-      new PlaceholderView(
-          context_, QStringLiteral("Forecast"),
-          QStringLiteral("This view will answer “When will it be done?” and “How many by a date?” from the team's own "
-                         "weekly throughput: dates at 50, 70, 85 and 95% confidence, the "
-                         "histogram of the simulations and the forecasts run so far."),
-          stack_));
+  install(ProjectViewMode::forecast, new ForecastView(context_, stack_));
   install(
       ProjectViewMode::flow,
       new PlaceholderView(

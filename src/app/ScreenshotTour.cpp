@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QEventLoop>
 #include <QLineEdit>
 #include <QListView>
@@ -9,6 +11,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
+#include <QSlider>
 #include <QTimer>
 #include <fstream>
 #include <iostream>
@@ -33,6 +36,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/WipLimitField.h"
+#include "app/forecast/ForecastView.h"
 
 namespace orvane::app {
 
@@ -43,6 +47,16 @@ void settle() {
   QEventLoop loop;
   QTimer::singleShot(150, &loop, &QEventLoop::quit);
   loop.exec();
+}
+
+// Lets the forecast's simulation, which runs in the thread pool, arrive.
+void awaitForecast(ForecastView& view) {
+  while (view.isComputing()) {
+    QEventLoop loop;
+    QObject::connect(&view, &ForecastView::forecastShown, &loop, &QEventLoop::quit);
+    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
 }
 
 }  // namespace
@@ -92,6 +106,30 @@ int ScreenshotTour::run() {
   for (ProjectViewMode mode : allProjectViewModes) {
     window_.setViewMode(mode);
     save(&window_, QStringLiteral("%1-%2").arg(index++, 2, 10, QChar('0')).arg(title(mode).toLower()));
+  }
+
+  // The forecast with the team's throughput 30% lower and 30% higher.
+  window_.setViewMode(ProjectViewMode::forecast);
+  if (auto* forecast = qobject_cast<ForecastView*>(window_.pane()->view(ProjectViewMode::forecast))) {
+    auto* slider = forecast->findChild<QSlider*>(QStringLiteral("throughputChange"));
+    for (const int percent : {-30, 30}) {
+      slider->setValue(percent);
+      awaitForecast(*forecast);
+      save(&window_, QStringLiteral("07-forecast-what-if-%1")
+                         .arg(percent < 0 ? QStringLiteral("minus-30") : QStringLiteral("plus-30")));
+    }
+    slider->setValue(0);
+    awaitForecast(*forecast);
+    // The first epic at half of the team's capacity.
+    auto* scope = forecast->findChild<QComboBox*>(QStringLiteral("forecastScope"));
+    if (scope->count() > 1) {
+      forecast->findChild<QDoubleSpinBox*>(QStringLiteral("capacityShare"))->setValue(50);
+      scope->setCurrentIndex(1);
+      awaitForecast(*forecast);
+      save(&window_, QStringLiteral("07-forecast-epic"));
+      scope->setCurrentIndex(0);
+      awaitForecast(*forecast);
+    }
   }
 
   window_.setViewMode(ProjectViewMode::board);

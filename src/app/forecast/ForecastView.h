@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/ProjectViewBase.h"
+#include "core/accuracy/ForecastAccuracy.h"
+#include "core/forecast/ForecastInput.h"
+#include "core/model/Epic.h"
+
+class QComboBox;
+class QDateEdit;
+class QDoubleSpinBox;
+class QGridLayout;
+class QLabel;
+class QPushButton;
+class QSlider;
+class QSpinBox;
+class QStackedWidget;
+
+namespace orvane::app {
+
+class FinishWeeksChart;
+
+// "When will it be done?" for the whole project or one epic (at a share of
+// the team's capacity): the dates and weeks at 50,
+// 70, 85 and 95% confidence, the committed date's chance, the forecast in
+// sentences and the histogram of finish weeks. A what-if slider and a backlog
+// change re-run the forecast; inputs are read on this thread, the pure
+// simulation runs in the thread pool, and only the newest run is shown.
+class ForecastView : public ProjectViewBase {
+  Q_OBJECT
+
+ public:
+  ForecastView(AppContext& context, QWidget* parent);
+  ~ForecastView() override;
+
+  // True while a run has been started and its result not yet shown.
+  bool isComputing() const { return pendingGeneration_ != shownGeneration_; }
+
+ signals:
+  // The labels and the chart now show the newest run.
+  void forecastShown();
+
+ protected:
+  void reload() override;
+
+ private:
+  void recompute();
+  void showForecast(const WhenForecast& forecast);
+  void showEmpty(const QString& text);
+  void setCommitment(bool clear);
+  void fillScopes(const ProjectSnapshot& project);
+  // The epic chosen as the scope; none for the whole project.
+  const Epic* chosenEpic() const;
+  QWidget* buildForecastPage();
+
+  QWidget* scopeRow_ = nullptr;
+  QComboBox* scope_ = nullptr;
+  QLabel* shareLabel_ = nullptr;
+  QDoubleSpinBox* share_ = nullptr;
+  QLabel* scopeProblem_ = nullptr;
+  QStackedWidget* pages_ = nullptr;
+  QWidget* whatIfRow_ = nullptr;
+  QWidget* commitmentControls_ = nullptr;
+  QLabel* empty_ = nullptr;
+  QLabel* heading_ = nullptr;
+  QLabel* backlog_ = nullptr;
+  QSlider* throughput_ = nullptr;
+  QLabel* throughputValue_ = nullptr;
+  QSpinBox* backlogChange_ = nullptr;
+  QGridLayout* levels_ = nullptr;
+  QLabel* inconclusive_ = nullptr;
+  QLabel* commitment_ = nullptr;
+  QDateEdit* commitmentDay_ = nullptr;
+  QPushButton* clearCommitment_ = nullptr;
+  QLabel* narrative_ = nullptr;
+  FinishWeeksChart* chart_ = nullptr;
+
+  std::vector<Epic> epics_;
+  std::string projectName_;
+  std::optional<ForecastHistoryPoint> previous_;
+  std::int64_t open_ = 0;
+  std::uint64_t pendingGeneration_ = 0;
+  std::uint64_t shownGeneration_ = 0;
+};
+
+}  // namespace orvane::app

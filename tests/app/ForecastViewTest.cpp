@@ -1,0 +1,231 @@
+#include <QBarCategoryAxis>
+#include <QBarSet>
+#include <QChart>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStackedBarSeries>
+#include <QTest>
+
+#include "app/AppFixture.h"
+#include "app/charts/FinishWeeksChart.h"
+#include "app/forecast/ForecastView.h"
+#include "core/accuracy/ForecastNarrative.h"
+#include "core/forecast/ForecastService.h"
+
+using namespace orvane;
+using namespace orvane::app;
+using orvane::testing::AppFixture;
+
+namespace {
+
+// Waits until the view shows its newest run (the simulation runs in the
+// thread pool).
+void settle(ForecastView& view) {
+  if (!view.isComputing()) return;
+  QSignalSpy shown(&view, &ForecastView::forecastShown);
+  while (view.isComputing()) QVERIFY(shown.wait(20000));
+}
+
+QString label(ForecastView& view, const QString& name) {
+  auto* found = view.findChild<QLabel*>(name);
+  if (found == nullptr) qFatal("no label %s", qPrintable(name));
+  return found->text();
+}
+
+QString weeks(double w) {
+  return w == std::floor(w) ? QString::number(static_cast<qint64>(w)) : QString::number(w, 'f', 1);
+}
+
+// The four levels as the view must show them: the forecast service's
+// numbers, the same `orvane-cli forecast when` prints for that day.
+void expectLevels(ForecastView& view, const WhenForecast& expected) {
+  for (const int level : {50, 70, 85, 95}) {
+    QCOMPARE(label(view, QStringLiteral("level%1Weeks").arg(level)), weeks(expected.periods.at(level)));
+    QCOMPARE(label(view, QStringLiteral("level%1Date").arg(level)),
+             QString::fromStdString(expected.dates.at(level).displayText()));
+  }
+}
+
+}  // namespace
+
+class ForecastViewTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void showsTheServiceForecastAndFollowsTheWhatIf();
+  void committedDateIsSetAndClearedThroughTheService();
+  void epicScopeRunsAtTheShareAndRefusesABadOne();
+  void saysWhatToDoWhenNothingIsOpen();
+};
+
+void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  // A run logged a week ago: the narrative compares against it.
+  const Timestamp weekAgo = orvane::testing::at(2026, 2, 25, 10);
+  service.log(service.input(demo, ForecastService::todayUTC(weekAgo)).runWhen(), demo, "", weekAgo);
+
+  ForecastView view(*f.context, nullptr);
+  view.resize(1200, 900);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+
+  const WhenForecast base = service.input(demo, today).runWhen();
+  expectLevels(view, base);
+  const auto previous = latestBefore(forecastHistory(f.snapshot(demo)), f.clock);
+  QVERIFY(previous.has_value());
+  QStringList sentences;
+  for (const std::string& line : ForecastNarrative::lines(base, previous)) sentences << QString::fromStdString(line);
+  QCOMPARE(label(view, "forecastNarrative"), sentences.join('\n'));
+  QVERIFY(label(view, "forecastNarrative").contains("Since the forecast of"));
+
+  // The chart holds every simulation once, a bar per week of the histogram,
+  // and writes each level under the week it is reached in.
+  QChart* chart = view.findChild<FinishWeeksChart*>()->chart();
+  auto* series = qobject_cast<QStackedBarSeries*>(chart->series().value(0));
+  QVERIFY(series != nullptr);
+  qreal simulations = 0;
+  for (QBarSet* set : series->barSets()) simulations += set->sum();
+  QCOMPARE(simulations, static_cast<qreal>(base.iterations));
+  auto* weeksAxis = qobject_cast<QBarCategoryAxis*>(chart->axes(Qt::Horizontal).value(0));
+  QCOMPARE(weeksAxis->count(), static_cast<int>(base.histogram.size()));
+  for (const int level : {50, 70, 85, 95}) {
+    const QString week = QString::number(static_cast<qint64>(std::ceil(base.periods.at(level))));
+    bool marked = false;
+    for (const QString& category : weeksAxis->categories())
+      marked |= category.startsWith(week + "<br>") && category.contains(QString::number(level) + '%');
+    QVERIFY2(marked, qPrintable(week));
+  }
+
+  // Table: slider and backlog change against the service's what-if run.
+  struct Case {
+    int percent;
+    int change;
+  };
+  for (const Case c : {Case{30, 0}, Case{-30, 0}, Case{100, 5}, Case{-50, -3}}) {
+    view.findChild<QSlider*>("throughputChange")->setValue(c.percent);
+    view.findChild<QSpinBox*>("backlogChange")->setValue(c.change);
+    settle(view);
+    const WhenForecast whatIf = service.input(demo, today, c.percent, std::nullopt, c.change).runWhen();
+    QVERIFY(whatIf.dates != base.dates);
+    expectLevels(view, whatIf);
+    const QString backlog = c.change == 0 ? QStringLiteral("Backlog: %1 open tickets,").arg(whatIf.backlog)
+                                          : QStringLiteral("Backlog: %1 tickets (%2 open, %3%4 in this scenario),")
+                                                .arg(whatIf.backlog)
+                                                .arg(base.backlog)
+                                                .arg(c.change > 0 ? "+" : "")
+                                                .arg(c.change);
+    QVERIFY2(label(view, "forecastBacklog").startsWith(backlog), qPrintable(label(view, "forecastBacklog")));
+  }
+}
+
+void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+
+  // Two days before the second week of the histogram ends: that week is
+  // the first to end after it.
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  const CivilDate secondWeek = service.input(demo, today).runWhen().histogram.at(1).date;
+  const CivilDate committed = CivilDate::fromDaysSinceEpoch(secondWeek.daysSinceEpoch() - 2);
+  view.findChild<QDateEdit*>("commitmentDay")
+      ->setDate(
+          QDate(static_cast<int>(committed.year), static_cast<int>(committed.month), static_cast<int>(committed.day)));
+  view.findChild<QPushButton*>("setCommitment")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::optional(committed.utcMidnight()));
+  const WhenForecast expected = service.input(demo, today).runWhen();
+  QVERIFY(expected.commitmentConfidencePct.has_value());
+  const QString chance = QString::number(*expected.commitmentConfidencePct, 'f', 1) + '%';
+  QVERIFY2(label(view, "forecastCommitment").contains(QString::fromStdString(committed.displayText())),
+           qPrintable(label(view, "forecastCommitment")));
+  QVERIFY2(label(view, "forecastCommitment").contains(chance), qPrintable(chance));
+
+  // The chart marks the first week ending on or after the committed date,
+  // and hovering a bar gives its day and the share finished by then.
+  auto* chart = view.findChild<FinishWeeksChart*>();
+  auto* weeksAxis = qobject_cast<QBarCategoryAxis*>(chart->chart()->axes(Qt::Horizontal).value(0));
+  QStringList marked;
+  for (const QString& category : weeksAxis->categories())
+    if (category.contains("committed")) marked << category;
+  const auto committedBin = std::find_if(expected.histogram.begin(), expected.histogram.end(),
+                                         [&](const HistogramBin& bin) { return !(bin.date < committed); });
+  QCOMPARE(committedBin - expected.histogram.begin(), 1);
+  QCOMPARE(marked.size(), 1);
+  QVERIFY(marked.front().startsWith(QString::number(committedBin->period) + "<br>"));
+  const HistogramBin& first = expected.histogram.front();
+  QCOMPARE(chart->hoverText(0), QStringLiteral("Week %1, by %2: %3% of the simulations are finished.")
+                                    .arg(first.period)
+                                    .arg(QString::fromStdString(first.date.displayText()))
+                                    .arg(first.cumulativePct, 0, 'f', 2));
+
+  view.findChild<QPushButton*>("clearCommitment")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::nullopt);
+  QCOMPARE(label(view, "forecastCommitment"), QString("No committed date."));
+  QVERIFY(!view.findChild<QPushButton*>("clearCommitment")->isEnabled());
+}
+
+void ForecastViewTest::epicScopeRunsAtTheShareAndRefusesABadOne() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  std::optional<Epic> busy;
+  for (const Epic& epic : f.snapshot(demo).epics)
+    if (!busy && service.input(epic, 1, today, f.context->calendar()).backlog > 0) busy = epic;
+  QVERIFY(busy.has_value());
+
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  auto* scope = view.findChild<QComboBox*>("forecastScope");
+  scope->setCurrentIndex(scope->findText(QString::fromStdString("Epic: " + busy->name)));
+  auto* share = view.findChild<QDoubleSpinBox*>("capacityShare");
+  share->setValue(40);
+  settle(view);
+  const WhenForecast expected = service.input(*busy, 0.4, today, f.context->calendar()).runWhen();
+  expectLevels(view, expected);
+  QVERIFY(label(view, "forecastBacklog").contains("at 40% of the team's throughput"));
+
+  // Outside 0 < share <= 100 the service refuses, in its words; the last
+  // forecast stays on screen.
+  share->setValue(0);
+  settle(view);
+  QCOMPARE(label(view, "scopeProblem"), QString("The share of capacity must be above 0 and at most 100 per cent."));
+  expectLevels(view, expected);
+  share->setValue(100);
+  settle(view);
+  QCOMPARE(label(view, "scopeProblem"), QString());
+  expectLevels(view, service.input(*busy, 1, today, f.context->calendar()).runWhen());
+}
+
+void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {
+  AppFixture f;
+  const Uuid empty = f.board().createProject("Quiet", std::nullopt, f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.showProject(empty);
+  view.reloadNow();
+  settle(view);
+  QVERIFY(label(view, "forecastEmpty").contains("Add tickets to the board"));
+}
+
+QTEST_MAIN(ForecastViewTest)
+#include "ForecastViewTest.moc"
