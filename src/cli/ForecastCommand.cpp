@@ -320,7 +320,8 @@ int backtestForecast(const ParsedOptions& parsed, const CommandContext& context)
   writeWrapped(context.out, "Actual: finished on " + dayText(*backtest.finishedOn) + ", " +
                                 counted(backtest.finishedOn->daysSince(forecast.asOf), "day") + " later.");
   for (const auto& [level, done] : backtest.levelsMet) {
-    context.out << "  " << level << "%  " << (done ? "met" : "missed") << '\n';
+    context.out << "  " << level << "%  by " << forecast.dates.at(level).displayText() << ": "
+                << (done ? "finished in time" : "missed") << '\n';
   }
   return exitOk;
 }

@@ -200,7 +200,9 @@ TEST_F(ForecastCommand, scriptAndBacktestAgreeWithTheCore) {
   answer.erase("actual");
   EXPECT_EQ(answer, whenJson(done.forecast));
   const std::string doneText = ok({"forecast", "backtest", "SHOP", "--as-of", "2025-12-10"});
-  EXPECT_NE(doneText.find("Actual: finished on 25 Dec 2025 (2025-12-25), 15 days later.\n"), std::string::npos)
+  EXPECT_NE(doneText.find("Actual: finished on 25 Dec 2025 (2025-12-25), 15 days later.\n  50%  by " +
+                          done.forecast.dates.at(50).displayText() + ": missed\n"),
+            std::string::npos)
       << doneText;
 }
 
