@@ -15,6 +15,8 @@
 #include "cli/TextLayout.h"
 #include "core/accuracy/ForecastAccuracy.h"
 #include "core/accuracy/ForecastNarrative.h"
+#include "core/forecast/Backtest.h"
+#include "core/forecast/ReproductionScript.h"
 #include "engine/ColdStart.h"
 
 namespace orvane::cli {
@@ -29,6 +31,7 @@ constexpr std::string_view forecastUsage =
     "       orvane-cli forecast iteration PROJECT ITERATION [--what-if P] [--json]\n"
     "       orvane-cli forecast roadmap PROJECT [--json]\n"
     "       orvane-cli forecast log PROJECT [--json]\n"
+    "       orvane-cli forecast backtest PROJECT --as-of YYYY-MM-DD [--json]\n"
     "       orvane-cli forecast estimate PROJECT WEEKLY|--clear\n"
     "       orvane-cli forecast commit PROJECT YYYY-MM-DD|--clear\n"
     "\n"
@@ -43,11 +46,16 @@ constexpr std::string_view forecastUsage =
     "    --backlog-change N   add N tickets to the backlog (negative: remove)\n"
     "    --log                keep the run in the project's forecast log\n"
     "    --note TEXT          a note kept with the logged run\n"
+    "    --script             (when) print a Python/NumPy script that rebuilds\n"
+    "                         this forecast and prints its four levels\n"
     "  epic        when an epic's open tickets are done, its due date's chance\n"
     "    --share PERCENT      the epic's share of the team, above 0 up to 100\n"
     "  iteration   the chance an iteration's open tickets are done by its last day\n"
     "  roadmap     every epic scheduled along its dependencies, with milestones\n"
     "  log         the logged runs\n"
+    "  backtest    the when-forecast of a past day, from the tickets created by\n"
+    "              then and the completions before it, next to the day that\n"
+    "              work was really finished\n"
     "  estimate    set the weekly throughput of the weeks before the project\n"
     "              began (0 to 1000), or --clear it for the default of 5\n"
     "  commit      set the committed date forecasts are scored against, or\n"
@@ -56,10 +64,12 @@ constexpr std::string_view forecastUsage =
     "  --help      print this text\n";
 
 constexpr OptionSpec projectSpecs[] = {{"--what-if", true}, {"--backlog-change", true}, {"--log", false},
-                                       {"--note", true},    {"--json", false},          {"--help", false}};
+                                       {"--note", true},    {"--json", false},          {"--script", false},
+                                       {"--help", false}};
 constexpr OptionSpec epicSpecs[] = {{"--share", true}, {"--json", false}, {"--help", false}};
 constexpr OptionSpec iterationSpecs[] = {{"--what-if", true}, {"--json", false}, {"--help", false}};
 constexpr OptionSpec jsonSpecs[] = {{"--json", false}, {"--help", false}};
+constexpr OptionSpec backtestSpecs[] = {{"--as-of", true}, {"--json", false}, {"--help", false}};
 constexpr OptionSpec clearSpecs[] = {{"--clear", false}, {"--help", false}};
 
 std::string inQuotes(std::string_view text) { return "\"" + std::string(text) + "\""; }
@@ -125,6 +135,12 @@ int projectForecast(const ParsedOptions& parsed, const CommandContext& context, 
   ForecastService& forecasts = context.store.forecasts();
   const CivilDate today = ForecastService::todayUTC(context.now);
   const ForecastInput input = forecasts.input(project.project.id, today, whatIf, target, change);
+  if (parsed.has("--script")) {
+    if (byDate) throw CliError("--script goes with forecast when: it rebuilds the four levels of a when-forecast.");
+    if (log || parsed.has("--json")) throw CliError("--script prints the script alone, without --log or --json.");
+    context.out << reproductionScript(input);
+    return exitOk;
+  }
 
   json result;
   std::optional<ForecastRecord> record;
@@ -265,6 +281,51 @@ int forecastLog(const ParsedOptions& parsed, const CommandContext& context) {
   return exitOk;
 }
 
+int backtestForecast(const ParsedOptions& parsed, const CommandContext& context) {
+  expectPositionals(parsed, {"PROJECT"}, "forecast backtest");
+  const auto asOfText = parsed.value("--as-of");
+  if (!asOfText) throw CliError("forecast backtest needs --as-of YYYY-MM-DD, the past day to forecast from.");
+  const std::optional<CivilDate> day = parseDay(*asOfText);
+  if (!day) throw CliError("--as-of needs a day like 2026-04-30; " + inQuotes(*asOfText) + " is not one.");
+  const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
+  Backtest backtest;
+  try {
+    backtest = runBacktest(context.store.store(), project.project.id, *day, ForecastService::todayUTC(context.now));
+  } catch (const BacktestError& error) {
+    throw CliError(error.what());
+  }
+  const WhenForecast& forecast = backtest.forecast;
+  if (parsed.has("--json")) {
+    json result = whenJson(forecast);
+    json outcome = {{"stillOpen", backtest.stillOpen},
+                    {"finishedOn", backtest.finishedOn ? json(backtest.finishedOn->description()) : json(nullptr)}};
+    json met = json::object();
+    for (const auto& [level, done] : backtest.levelsMet) met[std::to_string(level)] = done;
+    outcome["levelsMet"] = std::move(met);
+    result["actual"] = std::move(outcome);
+    context.out << result.dump(2) << '\n';
+    return exitOk;
+  }
+  writeWrapped(context.out, "How would the forecast of " + inQuotes(project.project.name) + " on " +
+                                forecast.asOf.displayText() + " have done?");
+  writeWrapped(context.out, "Backlog then: " + counted(forecast.backlog, "ticket") +
+                                " (created by that day and not done before it).");
+  writeWhenText(forecast, "Committed date", context.out);
+  context.out << '\n';
+  if (!backtest.finishedOn) {
+    writeWrapped(context.out, "Actual: the work is still open, " + std::to_string(backtest.stillOpen) + " of " +
+                                  std::to_string(forecast.backlog) + " tickets still open.");
+    return exitOk;
+  }
+  writeWrapped(context.out, "Actual: finished on " + dayText(*backtest.finishedOn) + ", " +
+                                counted(backtest.finishedOn->daysSince(forecast.asOf), "day") + " later.");
+  for (const auto& [level, done] : backtest.levelsMet) {
+    context.out << "  " << level << "%  by " << forecast.dates.at(level).displayText() << ": "
+                << (done ? "finished in time" : "missed") << '\n';
+  }
+  return exitOk;
+}
+
 // PROJECT and VALUE, or PROJECT and --clear; the value when one is given.
 std::optional<std::string> valueOrClear(const ParsedOptions& parsed, std::string_view command,
                                         std::string_view valueName) {
@@ -331,11 +392,13 @@ int runForecast(std::span<const std::string> args, const CommandContext& context
     specs = iterationSpecs;
   } else if (action == "roadmap" || action == "log") {
     specs = jsonSpecs;
+  } else if (action == "backtest") {
+    specs = backtestSpecs;
   } else if (action == "estimate" || action == "commit") {
     specs = clearSpecs;
   } else {
     throw CliError("Unknown forecast command \"" + action +
-                   "\"; use when, by-date, epic, iteration, roadmap, log, estimate or commit.");
+                   "\"; use when, by-date, epic, iteration, roadmap, log, backtest, estimate or commit.");
   }
   const ParsedOptions parsed = parseArguments(args.subspan(1), specs, "forecast " + action);
   if (parsed.has("--help")) {
@@ -347,6 +410,7 @@ int runForecast(std::span<const std::string> args, const CommandContext& context
   if (action == "iteration") return iterationForecast(parsed, context);
   if (action == "roadmap") return roadmapForecast(parsed, context);
   if (action == "log") return forecastLog(parsed, context);
+  if (action == "backtest") return backtestForecast(parsed, context);
   if (action == "estimate") return setEstimate(parsed, context);
   return setCommitment(parsed, context);
 }

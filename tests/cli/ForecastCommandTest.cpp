@@ -6,7 +6,9 @@
 #include "cli/ForecastJson.h"
 #include "cli/StoreFileTest.h"
 #include "cli/TextLayout.h"
+#include "core/forecast/Backtest.h"
 #include "core/forecast/ForecastService.h"
+#include "core/forecast/ReproductionScript.h"
 #include "core/support/StoreDump.h"
 #include "core/support/TempStore.h"
 
@@ -168,6 +170,42 @@ TEST_F(ForecastCommand, estimateAndCommitAreStoredAndExplained) {
   EXPECT_EQ(stored().committedDate, std::nullopt);
 }
 
+TEST_F(ForecastCommand, scriptAndBacktestAgreeWithTheCore) {
+  const ForecastInput input = core(
+      [](const ProjectSnapshot& p, ForecastService& f) { return f.input(p.project.id, today, -30, std::nullopt, 4); });
+  EXPECT_EQ(ok({"forecast", "when", "SHOP", "--what-if", "-30", "--backlog-change", "4", "--script"}),
+            reproductionScript(input));
+
+  // The core's backtest on the same file, and the command's answer.
+  const auto backtest = [&](CivilDate day) {
+    Store store = Store::open(path);
+    return runBacktest(store, BoardService(store).projects().front().id, day, today);
+  };
+  const Backtest open = backtest(CivilDate{2026, 1, 20});
+  ASSERT_EQ(open.forecast.backlog, 12);
+  ASSERT_EQ(open.stillOpen, 4);
+  json answer = okJson({"forecast", "backtest", "SHOP", "--as-of", "2026-01-20", "--json"});
+  EXPECT_EQ(answer["actual"], (json{{"stillOpen", 4}, {"finishedOn", nullptr}, {"levelsMet", json::object()}}));
+  answer.erase("actual");
+  EXPECT_EQ(answer, whenJson(open.forecast));
+  const std::string openText = ok({"forecast", "backtest", "SHOP", "--as-of", "2026-01-20"});
+  EXPECT_NE(openText.find("Backlog then: 12 tickets"), std::string::npos) << openText;
+  EXPECT_NE(openText.find("Actual: the work is still open, 4 of 12 tickets still open.\n"), std::string::npos);
+
+  const Backtest done = backtest(CivilDate{2025, 12, 10});
+  ASSERT_EQ(done.finishedOn, (CivilDate{2025, 12, 25}));
+  answer = okJson({"forecast", "backtest", "SHOP", "--as-of", "2025-12-10", "--json"});
+  EXPECT_EQ(answer["actual"]["finishedOn"], "2025-12-25");
+  EXPECT_EQ(answer["actual"]["levelsMet"].size(), 4u);
+  answer.erase("actual");
+  EXPECT_EQ(answer, whenJson(done.forecast));
+  const std::string doneText = ok({"forecast", "backtest", "SHOP", "--as-of", "2025-12-10"});
+  EXPECT_NE(doneText.find("Actual: finished on 25 Dec 2025 (2025-12-25), 15 days later.\n  50%  by " +
+                          done.forecast.dates.at(50).displayText() + ": missed\n"),
+            std::string::npos)
+      << doneText;
+}
+
 TEST_F(ForecastCommand, refusalsSayWhyAndChangeNothing) {
   ok({"forecast", "when", "SHOP"});  // the filler is in place
   const std::string before = [&] {
@@ -205,7 +243,20 @@ TEST_F(ForecastCommand, refusalsSayWhyAndChangeNothing) {
       {{"forecast", "commit", "SHOP"},
        "forecast commit needs PROJECT and YYYY-MM-DD; run \"orvane-cli forecast commit --help\" for its usage.\n"},
       {{"forecast", "guess", "SHOP"},
-       "Unknown forecast command \"guess\"; use when, by-date, epic, iteration, roadmap, log, estimate or commit.\n"},
+       "Unknown forecast command \"guess\"; use when, by-date, epic, iteration, roadmap, log, backtest, estimate or "
+       "commit.\n"},
+      {{"forecast", "backtest", "SHOP", "--as-of", "2026-03-06"},
+       "Choose a day on or before today; a backtest looks at the past.\n"},
+      {{"forecast", "backtest", "SHOP", "--as-of", "2025-11-23"},
+       "Choose a day on or after 24 Nov 2025, when the project began.\n"},
+      {{"forecast", "backtest", "SHOP", "--as-of", "2026-02-30"},
+       "--as-of needs a day like 2026-04-30; \"2026-02-30\" is not one.\n"},
+      {{"forecast", "backtest", "SHOP", "--json"},
+       "forecast backtest needs --as-of YYYY-MM-DD, the past day to forecast from.\n"},
+      {{"forecast", "when", "SHOP", "--script", "--log"},
+       "--script prints the script alone, without --log or --json.\n"},
+      {{"forecast", "by-date", "SHOP", "2026-04-01", "--script"},
+       "--script goes with forecast when: it rebuilds the four levels of a when-forecast.\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.args[1] + " " + c.args[2]);
