@@ -17,6 +17,7 @@
 #include "app/AppContext.h"
 #include "app/forecast/ForecastView.h"
 #include "core/board/BoardService.h"
+#include "core/forecast/ForecastService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
 #include "support/BenchStore.h"
@@ -128,6 +129,24 @@ void BM_WhatIfRecompute(benchmark::State& state) {
   state.SetLabel(state.range(0) == 0 ? "demo project" : "5,000 tickets");
 }
 BENCHMARK(BM_WhatIfRecompute)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The same runs without the view: the forecast service's input and the
+// 10,000 simulations on this thread. The difference to the recompute above
+// is the hand-over to the thread pool and the view's update.
+void BM_WhatIfEngineOnly(benchmark::State& state) {
+  Screen& s = shared();
+  const Uuid project = state.range(0) == 0 ? s.demo : s.generated;
+  ForecastService forecasts(*s.store);
+  const CivilDate today = ForecastService::todayUTC(Timestamp{now});
+  const int values[] = {-30, -25, -20, 30, 25, 20};
+  std::size_t next = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(forecasts.input(project, today, values[next]).runWhen());
+    next = (next + 1) % std::size(values);
+  }
+  state.SetLabel(state.range(0) == 0 ? "demo project" : "5,000 tickets");
+}
+BENCHMARK(BM_WhatIfEngineOnly)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 }  // namespace orvane
