@@ -4,7 +4,11 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDoubleSpinBox>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -62,6 +66,9 @@ class ForecastViewTest : public QObject {
   void committedDateIsSetAndClearedThroughTheService();
   void epicScopeRunsAtTheShareAndRefusesABadOne();
   void saysWhatToDoWhenNothingIsOpen();
+  // Every number of the view against the real orvane-cli.
+  void everyNumberEqualsTheCommandLineOnTheDemo();
+  void everyNumberEqualsTheCommandLineOnAGeneratedProject();
 };
 
 void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
@@ -225,6 +232,147 @@ void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {
   view.reloadNow();
   settle(view);
   QVERIFY(label(view, "forecastEmpty").contains("Add tickets to the board"));
+}
+
+// ---- The view against `orvane-cli forecast when|epic --json` -------------
+
+namespace {
+
+// The JSON the real command line prints for `arguments`, on the same store
+// and day as the fixture's window.
+QJsonObject cliForecast(AppFixture& f, const QStringList& arguments) {
+  QProcess cli;
+  const QStringList common{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
+                           "2026-03-04T10:00:00Z", "forecast"};
+  cli.start(QStringLiteral(ORVANE_CLI), common + arguments + QStringList{"--json"});
+  if (!cli.waitForFinished(30000) || cli.exitCode() != 0)
+    qFatal("orvane-cli %s failed: %s", qPrintable(arguments.join(' ')), cli.readAllStandardError().constData());
+  return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+}
+
+QString dayText(const QJsonValue& iso) {
+  return QString::fromStdString(CivilDate::fromIso(iso.toString().toStdString()).value().displayText());
+}
+
+// Levels, backlog, committed date and chance, and the chart's bars (count,
+// day and cumulative chance of each week) as the command line gives them.
+void expectCommandLineNumbers(ForecastView& view, const QJsonObject& cli) {
+  QCOMPARE(cli["iterations"].toInt(), 10000);
+  const QJsonObject periods = cli["periods"].toObject();
+  const QJsonObject dates = cli["dates"].toObject();
+  for (const QString level : {"50", "70", "85", "95"}) {
+    QCOMPARE(label(view, "level" + level + "Weeks"), weeks(periods[level].toDouble()));
+    QCOMPARE(label(view, "level" + level + "Date"), dayText(dates[level]));
+  }
+  const QString backlog = label(view, "forecastBacklog");
+  QVERIFY2(backlog.startsWith(QStringLiteral("Backlog: %1 ").arg(cli["backlog"].toInteger())), qPrintable(backlog));
+  QVERIFY2(backlog.endsWith(QStringLiteral("as of %1.").arg(dayText(cli["asOf"]))), qPrintable(backlog));
+  QCOMPARE(view.findChild<QLabel*>("forecastInconclusive")->isVisibleTo(&view), cli["inconclusive"].toBool());
+  const QString commitment = label(view, "forecastCommitment");
+  if (cli["commitmentConfidencePct"].isDouble()) {
+    QVERIFY2(commitment.contains(dayText(cli["commitment"])), qPrintable(commitment));
+    QVERIFY2(commitment.contains(QString::number(cli["commitmentConfidencePct"].toDouble(), 'f', 1) + '%'),
+             qPrintable(commitment));
+  } else {
+    QVERIFY2(commitment.startsWith("No committed date") || commitment.startsWith("The epic has no due date"),
+             qPrintable(commitment));
+  }
+
+  auto* chart = view.findChild<FinishWeeksChart*>();
+  auto* series = qobject_cast<QStackedBarSeries*>(chart->chart()->series().value(0));
+  QVERIFY(series != nullptr);
+  auto* weeksAxis = qobject_cast<QBarCategoryAxis*>(chart->chart()->axes(Qt::Horizontal).value(0));
+  const QJsonArray bins = cli["histogram"].toArray();
+  QCOMPARE(weeksAxis->count(), static_cast<int>(bins.size()));
+  for (int i = 0; i < bins.size(); ++i) {
+    const QJsonObject bin = bins[i].toObject();
+    qreal count = 0;
+    for (QBarSet* set : series->barSets()) count += set->at(i);
+    QCOMPARE(count, static_cast<qreal>(bin["count"].toInteger()));
+    const QString week = QString::number(bin["period"].toInteger());
+    QVERIFY(weeksAxis->at(i) == week || weeksAxis->at(i).startsWith(week + "<br>"));
+    QCOMPARE(chart->hoverText(i), QStringLiteral("Week %1, by %2: %3% of the simulations are finished.")
+                                      .arg(week, dayText(bin["date"]))
+                                      .arg(bin["cumulativePct"].toDouble(), 0, 'f', 2));
+  }
+}
+
+// The whole project at several what-ifs, then each epic with open work at a
+// share of the team: the view and `orvane-cli` must agree on every number.
+void compareWithCommandLine(AppFixture& f, const Uuid& project, const QString& key) {
+  ForecastView view(*f.context, nullptr);
+  view.resize(1200, 900);
+  view.showProject(project);
+  view.reloadNow();
+  settle(view);
+  struct WhatIf {
+    int percent;
+    int change;
+  };
+  for (const WhatIf w : {WhatIf{0, 0}, WhatIf{30, 0}, WhatIf{-30, 0}, WhatIf{50, 7}, WhatIf{-20, -4}}) {
+    view.findChild<QSlider*>("throughputChange")->setValue(w.percent);
+    view.findChild<QSpinBox*>("backlogChange")->setValue(w.change);
+    settle(view);
+    const QJsonObject cli = cliForecast(
+        f, {"when", key, "--what-if", QString::number(w.percent), "--backlog-change", QString::number(w.change)});
+    QCOMPARE(cli["whatIfPercent"].toDouble(), static_cast<double>(w.percent));
+    expectCommandLineNumbers(view, cli);
+  }
+  view.findChild<QSlider*>("throughputChange")->setValue(0);
+  view.findChild<QSpinBox*>("backlogChange")->setValue(0);
+  settle(view);
+
+  auto* scope = view.findChild<QComboBox*>("forecastScope");
+  auto* share = view.findChild<QDoubleSpinBox*>("capacityShare");
+  int epicsCompared = 0;
+  for (const Epic& epic : f.snapshot(project).epics) {
+    scope->setCurrentIndex(scope->findText(QString::fromStdString("Epic: " + epic.name)));
+    share->setValue(40);
+    settle(view);
+    const QJsonObject cli = cliForecast(f, {"epic", key, QString::fromStdString(epic.name), "--share", "40"});
+    if (cli["backlog"].toInteger() == 0) continue;
+    expectCommandLineNumbers(view, cli);
+    ++epicsCompared;
+  }
+  QVERIFY(epicsCompared >= 2);
+}
+
+}  // namespace
+
+void ForecastViewTest::everyNumberEqualsTheCommandLineOnTheDemo() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  // A committed date, so its chance is compared too.
+  ForecastService(f.t.store).setCommitment(demo, orvane::testing::at(2026, 4, 20, 0));
+  compareWithCommandLine(f, demo, "SHOP");
+}
+
+void ForecastViewTest::everyNumberEqualsTheCommandLineOnAGeneratedProject() {
+  AppFixture f;
+  BoardService& board = f.board();
+  const Project project = board.createProject("Generated", std::string_view("GEN"), f.clock);
+  std::vector<Uuid> epics;
+  for (const char* name : {"Search", "Billing", "Reports"})
+    epics.push_back(board.createEpic(project.id, name, std::nullopt, std::nullopt).id);
+  const ProjectSnapshot fresh = f.snapshot(project.id);
+  const auto done = std::find_if(fresh.columns.begin(), fresh.columns.end(),
+                                 [](const BoardColumn& c) { return c.effectiveType() == ColumnType::done; });
+  QVERIFY(done != fresh.columns.end());
+  // 360 tickets created over the last twelve weeks; two in three finished
+  // a day or two later, at an uneven weekly pace.
+  const double day = 86400;
+  const double start = f.clock.secondsSince1970 - 84 * day;
+  for (int n = 0; n < 360; ++n) {
+    const Timestamp created{start + n * (82 * day / 360)};
+    NewTicket ticket;
+    ticket.title = "Generated ticket " + std::to_string(n);
+    ticket.epic = epics[static_cast<std::size_t>(n / 3 % 3)];
+    const Uuid id = board.createTicket(project.id, ticket, created).id;
+    if (n % 3 != 0)
+      board.moveTicket(id, done->id, std::nullopt, Timestamp{created.secondsSince1970 + (n % 7 + 1) * day / 4});
+  }
+  ForecastService(f.t.store).setCommitment(project.id, orvane::testing::at(2026, 4, 1, 0));
+  compareWithCommandLine(f, project.id, "GEN");
 }
 
 QTEST_MAIN(ForecastViewTest)
