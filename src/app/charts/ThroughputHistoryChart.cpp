@@ -3,7 +3,9 @@
 #include <QBarCategoryAxis>
 #include <QBarSet>
 #include <QChart>
+#include <QDate>
 #include <QLegend>
+#include <QLocale>
 #include <QStackedBarSeries>
 #include <QValueAxis>
 #include <algorithm>
@@ -64,7 +66,11 @@ void ThroughputHistoryChart::showHistory(const std::vector<PeriodCount>& history
   QStringList weeks;
   for (const PeriodCount& period : history) {
     highest = std::max(highest, period.count);
-    weeks << QString::fromStdString(period.window.end.displayText());
+    // Day and month only: twelve labels with years do not fit a laptop screen.
+    const CivilDate& end = period.window.end;
+    weeks << QLocale::c().toString(
+        QDate(static_cast<int>(end.year), static_cast<int>(end.month), static_cast<int>(end.day)),
+        QStringLiteral("d MMM"));
   }
   series->setBarWidth(0.8);
   c->addSeries(series);
@@ -76,7 +82,7 @@ void ThroughputHistoryChart::showHistory(const std::vector<PeriodCount>& history
   countAxis->setRange(0, static_cast<qreal>(std::max<std::int64_t>(highest, 1)));
   countAxis->setLabelFormat(QStringLiteral("%d"));
   countAxis->applyNiceNumbers();
-  countAxis->setTitleText(QStringLiteral("Tickets finished"));
+  countAxis->setTitleText(QStringLiteral("Tickets done"));
   c->addAxis(weeksAxis, Qt::AlignBottom);
   c->addAxis(countAxis, Qt::AlignLeft);
   series->attachAxis(weeksAxis);
