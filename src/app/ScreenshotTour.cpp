@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QDoubleSpinBox>
 #include <QEventLoop>
 #include <QLineEdit>
@@ -11,6 +12,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 #include <QTimer>
 #include <fstream>
@@ -120,6 +123,28 @@ int ScreenshotTour::run() {
     }
     slider->setValue(0);
     awaitForecast(*forecast);
+    // How many by a date, then a day the service refuses, then the
+    // throughput history with its weekly estimate, scrolled into sight.
+    auto* scroll = forecast->findChild<QScrollArea*>();
+    auto* byDate = forecast->findChild<QWidget*>(QStringLiteral("byDateSection"));
+    auto* day = forecast->findChild<QDateEdit*>(QStringLiteral("byDateDay"));
+    if (scroll != nullptr && byDate != nullptr && day != nullptr) {
+      settle();
+      scroll->ensureWidgetVisible(byDate, 0, 0);
+      save(&window_, QStringLiteral("07-forecast-by-date"));
+      const QDate picked = day->date();
+      day->setDate(QDate::currentDate().addYears(11));
+      awaitForecast(*forecast);
+      settle();
+      scroll->ensureWidgetVisible(byDate, 0, 0);
+      save(&window_, QStringLiteral("07-forecast-by-date-refused"));
+      day->setDate(picked);
+      awaitForecast(*forecast);
+      settle();
+      scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+      save(&window_, QStringLiteral("07-forecast-history"));
+      scroll->verticalScrollBar()->setValue(0);
+    }
     // The first epic at half of the team's capacity.
     auto* scope = forecast->findChild<QComboBox*>(QStringLiteral("forecastScope"));
     if (scope->count() > 1) {

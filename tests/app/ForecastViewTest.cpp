@@ -9,6 +9,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QProcess>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -18,9 +19,11 @@
 
 #include "app/AppFixture.h"
 #include "app/charts/FinishWeeksChart.h"
+#include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/ForecastView.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/forecast/ForecastService.h"
+#include "core/model/Project.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -69,6 +72,8 @@ class ForecastViewTest : public QObject {
   // Every number of the view against the real orvane-cli.
   void everyNumberEqualsTheCommandLineOnTheDemo();
   void everyNumberEqualsTheCommandLineOnAGeneratedProject();
+  void byDateShowsTheServiceCountsAndItsRefusals();
+  void historyIsColouredByProvenanceAndTheEstimateIsStored();
 };
 
 void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
@@ -373,6 +378,129 @@ void ForecastViewTest::everyNumberEqualsTheCommandLineOnAGeneratedProject() {
   }
   ForecastService(f.t.store).setCommitment(project.id, orvane::testing::at(2026, 4, 1, 0));
   compareWithCommandLine(f, project.id, "GEN");
+}
+
+void ForecastViewTest::byDateShowsTheServiceCountsAndItsRefusals() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+
+  // Each row: days after today, what-if, backlog change, and the refusal
+  // expected instead of counts (empty: counts).
+  struct Case {
+    std::int64_t days;
+    int whatIf;
+    int change;
+    QString refusal;
+  };
+  const Case cases[] = {
+      {28, 0, 0, {}},
+      {91, -30, 6, {}},
+      {0, 0, 0, "Choose a date after today."},
+      {-5, 20, 0, "Choose a date after today."},
+      {ForecastSettings::maxTargetDays, 0, 0, {}},
+      {ForecastSettings::maxTargetDays + 1, 0, 0, "That date is more than ten years away."},
+  };
+  auto* day = view.findChild<QDateEdit*>("byDateDay");
+  for (const Case& c : cases) {
+    view.findChild<QSlider*>("throughputChange")->setValue(c.whatIf);
+    view.findChild<QSpinBox*>("backlogChange")->setValue(c.change);
+    const CivilDate target = CivilDate::fromDaysSinceEpoch(today.daysSinceEpoch() + c.days);
+    day->setDate(QDate(static_cast<int>(target.year), static_cast<int>(target.month), static_cast<int>(target.day)));
+    settle(view);
+    const QString row = QString::number(c.days);
+    if (!c.refusal.isEmpty()) {
+      QCOMPARE(label(view, "byDateProblem"), c.refusal);
+      continue;
+    }
+    const ByDateForecast expected = service.input(demo, today, c.whatIf, target, c.change).runByDate();
+    QVERIFY2(label(view, "byDateProblem").isEmpty(), qPrintable(row));
+    for (const int level : {50, 70, 85, 95})
+      QCOMPARE(label(view, QStringLiteral("byDate%1Count").arg(level)), QString::number(expected.counts.at(level)));
+    // A higher confidence never promises more tickets.
+    QVERIFY(expected.counts.at(95) <= expected.counts.at(50));
+    QCOMPARE(label(view, "byDateBacklogDone"), QStringLiteral("Chance that all %1 tickets are done by then: %2%.")
+                                                   .arg(expected.backlog)
+                                                   .arg(QString::number(expected.backlogDonePct, 'f', 1)));
+    QVERIFY2(label(view, "byDateWeeks").startsWith("By " + QString::fromStdString(target.displayText())),
+             qPrintable(label(view, "byDateWeeks")));
+  }
+}
+
+void ForecastViewTest::historyIsColouredByProvenanceAndTheEstimateIsStored() {
+  AppFixture f;
+  // Created today: every week of the history lies before the project began.
+  const Uuid fresh = f.board().createProject("Fresh", std::nullopt, f.clock).id;
+  for (const char* title : {"One", "Two", "Three"}) f.board().createTicket(fresh, NewTicket{.title = title}, f.clock);
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  ForecastView view(*f.context, nullptr);
+  view.showProject(fresh);
+  view.reloadNow();
+  settle(view);
+
+  // Each bar sits in the set of the provenance the service reports for its
+  // week, in that provenance's colour, and in no other set.
+  const auto expectHistory = [&](ProvenanceTier tier) {
+    const std::vector<PeriodCount> history = service.history(fresh, today);
+    QCOMPARE(history.size(), std::size_t{12});
+    QChart* chart = view.findChild<ThroughputHistoryChart*>()->chart();
+    auto* series = qobject_cast<QStackedBarSeries*>(chart->series().value(0));
+    QVERIFY(series != nullptr);
+    QCOMPARE(series->barSets().size(), 4);
+    for (QBarSet* set : series->barSets()) {
+      QCOMPARE(set->count(), 12);
+      for (int k = 0; k < 12; ++k) {
+        const PeriodCount& period = history[static_cast<std::size_t>(k)];
+        QCOMPARE(period.provenance, tier);
+        const bool own = set->label() == QString::fromUtf8(displayLabel(period.provenance).data());
+        QCOMPARE(set->at(k), own ? static_cast<qreal>(period.count) : 0.0);
+        if (own) QCOMPARE(set->color(), ThroughputHistoryChart::colourOf(period.provenance));
+      }
+    }
+    QCOMPARE(chart->axes(Qt::Horizontal).value(0)->titleText(), QString("Week ending"));
+    // No week of the team's own: the caution in the health report's words.
+    QCOMPARE(label(view, "historyCaution"),
+             QString("Only 0 weeks of real history exist, so read the trends with caution."));
+  };
+  expectHistory(ProvenanceTier::systemDefault);
+
+  // A refused estimate says why and stores nothing.
+  auto* estimate = view.findChild<QLineEdit*>("weeklyEstimate");
+  for (const char* bad : {"1200", "-1", "lots"}) {
+    estimate->setText(bad);
+    view.findChild<QPushButton*>("setEstimate")->click();
+    QCOMPARE(label(view, "estimateProblem"), QString("The weekly estimate must be a number from 0 to 1000."));
+    QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::nullopt);
+  }
+  estimate->setText("7.5");
+  view.findChild<QPushButton*>("setEstimate")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::optional(7.5));
+  QCOMPARE(label(view, "estimateProblem"), QString());
+  expectLevels(view, service.input(fresh, today).runWhen());
+  expectHistory(ProvenanceTier::userEstimated);
+
+  // 0 is a valid estimate: nothing finished and nothing estimated, so the
+  // simulations run out of weeks and the view says so.
+  estimate->setText("0");
+  view.findChild<QPushButton*>("setEstimate")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::optional(0.0));
+  QVERIFY(!view.findChild<QLabel*>("forecastInconclusive")->isHidden());
+
+  view.findChild<QPushButton*>("clearEstimate")->click();
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::nullopt);
+  expectHistory(ProvenanceTier::systemDefault);
 }
 
 QTEST_MAIN(ForecastViewTest)

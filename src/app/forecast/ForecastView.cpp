@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSignalBlocker>
@@ -22,8 +23,13 @@
 #include "app/Alert.h"
 #include "app/AppContext.h"
 #include "app/charts/FinishWeeksChart.h"
+#include "app/charts/ThroughputHistoryChart.h"
+#include "app/forecast/ByDateSection.h"
 #include "core/accuracy/ForecastNarrative.h"
+#include "core/accuracy/HistoryDepth.h"
 #include "core/forecast/ForecastService.h"
+#include "core/forecast/ForecastServiceError.h"
+#include "engine/ColdStart.h"
 
 namespace orvane::app {
 namespace {
@@ -110,13 +116,43 @@ ForecastView::ForecastView(AppContext& context, QWidget* parent) : ProjectViewBa
   connect(scope_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] { recompute(); });
   connect(share_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, [this] { recompute(); });
 
+  // The weekly estimate that fills the weeks before the project began: the
+  // forecast needs it most when nothing is finished yet, so it stays above
+  // both pages.
+  estimateRow_ = new QWidget(this);
+  auto* estimateLayout = new QHBoxLayout(estimateRow_);
+  estimateLayout->setContentsMargins(24, 4, 24, 0);
+  estimateLayout->addWidget(
+      new QLabel(QStringLiteral("Weekly estimate for the weeks before the project began:"), estimateRow_));
+  estimate_ = new QLineEdit(estimateRow_);
+  estimate_->setObjectName(QStringLiteral("weeklyEstimate"));
+  estimate_->setMaximumWidth(90);
+  estimateLayout->addWidget(estimate_);
+  auto* setEstimateButton = new QPushButton(QStringLiteral("Set estimate"), estimateRow_);
+  setEstimateButton->setObjectName(QStringLiteral("setEstimate"));
+  estimateLayout->addWidget(setEstimateButton);
+  auto* clearEstimateButton = new QPushButton(QStringLiteral("Use the default"), estimateRow_);
+  clearEstimateButton->setObjectName(QStringLiteral("clearEstimate"));
+  estimateLayout->addWidget(clearEstimateButton);
+  estimateProblem_ = new QLabel(estimateRow_);
+  estimateProblem_->setObjectName(QStringLiteral("estimateProblem"));
+  estimateProblem_->setStyleSheet(QStringLiteral("color: #b3261e;"));
+  estimateLayout->addWidget(estimateProblem_);
+  estimateLayout->addStretch(1);
+  connect(setEstimateButton, &QPushButton::clicked, this, [this] { setEstimate(false); });
+  connect(estimate_, &QLineEdit::returnPressed, this, [this] { setEstimate(false); });
+  connect(clearEstimateButton, &QPushButton::clicked, this, [this] { setEstimate(true); });
+
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(scopeRow_);
+  layout->addWidget(estimateRow_);
   layout->addWidget(pages_, 1);
 }
 
 ForecastView::~ForecastView() = default;
+
+bool ForecastView::isComputing() const { return pendingGeneration_ != shownGeneration_ || byDate_->isComputing(); }
 
 QWidget* ForecastView::buildForecastPage() {
   auto* page = new QWidget;
@@ -231,6 +267,19 @@ QWidget* ForecastView::buildForecastPage() {
 
   chart_ = new FinishWeeksChart(page);
   column->addWidget(chart_, 1);
+
+  byDate_ = new ByDateSection(page);
+  column->addWidget(byDate_);
+  connect(byDate_, &ByDateSection::targetChanged, this, [this] { runByDate(); });
+  connect(byDate_, &ByDateSection::shown, this, [this] { emit forecastShown(); });
+
+  history_ = new ThroughputHistoryChart(page);
+  column->addWidget(history_);
+  historyCaution_ = new QLabel(page);
+  historyCaution_->setObjectName(QStringLiteral("historyCaution"));
+  historyCaution_->setWordWrap(true);
+  historyCaution_->setStyleSheet(QStringLiteral("color: #a06800;"));
+  column->addWidget(historyCaution_);
   return page;
 }
 
@@ -242,6 +291,7 @@ void ForecastView::showEmpty(const QString& text) {
 void ForecastView::reload() {
   const auto snap = snapshot();
   scopeRow_->setVisible(snap != nullptr);
+  estimateRow_->setVisible(snap != nullptr);
   if (!snap) {
     showEmpty(QStringLiteral("Choose a project to see when its work will be done."));
     return;
@@ -250,6 +300,9 @@ void ForecastView::reload() {
   projectName_ = snap->project.name;
   previous_ = latestBefore(forecastHistory(*snap), context_.now());
   fillScopes(*snap);
+  estimateProblem_->clear();
+  estimate_->setText(snap->project.fillerLambda ? QString::number(*snap->project.fillerLambda) : QString());
+  estimate_->setPlaceholderText(QStringLiteral("default %1").arg(ColdStart::defaultLambda));
   if (open_ == 0) {
     ++pendingGeneration_;
     shownGeneration_ = pendingGeneration_;
@@ -290,6 +343,7 @@ void ForecastView::recompute() {
   // An epic runs at its share of the team; the what-if and the committed
   // date belong to the whole project.
   whatIfRow_->setVisible(epic == nullptr);
+  byDate_->setVisible(epic == nullptr);
   commitmentControls_->setVisible(epic == nullptr);
   scopeProblem_->clear();
   const int percent = throughput_->value();
@@ -310,6 +364,11 @@ void ForecastView::recompute() {
     scopeProblem_->setText(QString::fromStdString(error.what()));
     emit forecastShown();
     return;
+  }
+  // How many by a date follows the same what-if and backlog change.
+  if (epic == nullptr) {
+    byDate_->suggestTarget(input.asOf);
+    byDate_->run(input);
   }
   const std::uint64_t generation = ++pendingGeneration_;
   auto* watcher = new QFutureWatcher<WhenRun>(this);
@@ -351,7 +410,7 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
     // No finished work and no estimate: the simulations never finish.
     showEmpty(QString::fromStdString(sentences.front()) +
               QStringLiteral("\nFinish tickets on the board, or give the team's weekly estimate "
-                             "(orvane-cli forecast estimate), and the dates appear here."));
+                             "above, and the dates appear here."));
     return;
   }
   pages_->setCurrentIndex(1);
@@ -413,6 +472,13 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   // Only the project's committed date: an epic's due date has its own
   // sentence and would crowd the weeks.
   chart_->showHistogram(forecast.histogram, forecast.periods, epic == nullptr ? forecast.commitment : std::nullopt);
+
+  history_->showHistory(forecast.history);
+  const std::int64_t realWeeks = HistoryDepth::realWeeks(forecast.history);
+  historyCaution_->setVisible(realWeeks < HistoryDepth::cautionBelowWeeks);
+  historyCaution_->setText(QStringLiteral("Only %1 week%2 of real history exist, so read the trends with caution.")
+                               .arg(realWeeks)
+                               .arg(realWeeks == 1 ? "" : "s"));
 }
 
 void ForecastView::setCommitment(bool clear) {
@@ -426,6 +492,44 @@ void ForecastView::setCommitment(bool clear) {
     ForecastService(context_.store()).setCommitment(*project(), day);
   } catch (const std::exception& error) {
     showAlert(this, QString::fromStdString(error.what()));
+    return;
+  }
+  context_.notifyStoreChanged();
+}
+
+}  // namespace orvane::app
+
+namespace orvane::app {
+
+void ForecastView::runByDate() {
+  if (!project() || chosenEpic() != nullptr) return;
+  ForecastInput input;
+  try {
+    ForecastService forecasts(context_.store());
+    input = forecasts.input(*project(), ForecastService::todayUTC(context_.now()), throughput_->value(), std::nullopt,
+                            backlogChange_->value());
+  } catch (const std::exception& error) {
+    showAlert(this, QString::fromStdString(error.what()));
+    return;
+  }
+  byDate_->run(input);
+}
+
+void ForecastView::setEstimate(bool clear) {
+  if (!project()) return;
+  estimateProblem_->clear();
+  try {
+    std::optional<double> weekly;
+    if (!clear) {
+      bool ok = false;
+      const double value = estimate_->text().trimmed().toDouble(&ok);
+      if (!ok) throw ForecastServiceError(ForecastServiceError::Case::invalidEstimate);
+      weekly = value;
+    }
+    ForecastService(context_.store()).setColdStartEstimate(*project(), weekly);
+  } catch (const std::exception& error) {
+    // The refusal stays beside the field; nothing was stored.
+    estimateProblem_->setText(QString::fromStdString(error.what()));
     return;
   }
   context_.notifyStoreChanged();

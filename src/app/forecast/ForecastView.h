@@ -15,6 +15,7 @@ class QDateEdit;
 class QDoubleSpinBox;
 class QGridLayout;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 class QSlider;
 class QSpinBox;
@@ -22,7 +23,9 @@ class QStackedWidget;
 
 namespace orvane::app {
 
+class ByDateSection;
 class FinishWeeksChart;
+class ThroughputHistoryChart;
 
 // "When will it be done?" for the whole project or one epic (at a share of
 // the team's capacity): the dates and weeks at 50,
@@ -38,7 +41,7 @@ class ForecastView : public ProjectViewBase {
   ~ForecastView() override;
 
   // True while a run has been started and its result not yet shown.
-  bool isComputing() const { return pendingGeneration_ != shownGeneration_; }
+  bool isComputing() const;
 
  signals:
   // The labels and the chart now show the newest run.
@@ -52,6 +55,9 @@ class ForecastView : public ProjectViewBase {
   void showForecast(const WhenForecast& forecast);
   void showEmpty(const QString& text);
   void setCommitment(bool clear);
+  // Stores the weekly estimate typed beside the history, or clears it.
+  void setEstimate(bool clear);
+  void runByDate();
   void fillScopes(const ProjectSnapshot& project);
   // The epic chosen as the scope; none for the whole project.
   const Epic* chosenEpic() const;
@@ -78,6 +84,12 @@ class ForecastView : public ProjectViewBase {
   QPushButton* clearCommitment_ = nullptr;
   QLabel* narrative_ = nullptr;
   FinishWeeksChart* chart_ = nullptr;
+  ByDateSection* byDate_ = nullptr;
+  QWidget* estimateRow_ = nullptr;
+  QLineEdit* estimate_ = nullptr;
+  QLabel* estimateProblem_ = nullptr;
+  ThroughputHistoryChart* history_ = nullptr;
+  QLabel* historyCaution_ = nullptr;
 
   std::vector<Epic> epics_;
   std::string projectName_;

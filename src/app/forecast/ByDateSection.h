@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDate>
+#include <QWidget>
+#include <cstdint>
+
+#include "core/forecast/ForecastInput.h"
+
+class QDateEdit;
+class QLabel;
+
+namespace orvane::app {
+
+// "How many by a date?" for the whole project: the tickets done by the
+// chosen day at 50, 70, 85 and 95% confidence and the chance the whole
+// backlog is done by then. The owner hands in the project's input (with its
+// what-if and backlog change); the target day is this section's own. The
+// pure simulation runs in the thread pool and only the newest run is shown.
+class ByDateSection : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ByDateSection(QWidget* parent);
+
+  // The day picked; before the first run, four weeks after `today`.
+  CivilDate target() const;
+  void suggestTarget(CivilDate today);
+  // Runs `input` (its target set to the picked day) off this thread.
+  void run(ForecastInput input);
+  bool isComputing() const { return pendingGeneration_ != shownGeneration_; }
+
+ signals:
+  // The picked day changed: the owner hands in a fresh input.
+  void targetChanged();
+  // The counts, or the refusal, of the newest run are shown.
+  void shown();
+
+ private:
+  void showResult(const ByDateForecast& forecast);
+  void showProblem(const QString& sentence);
+
+  QDateEdit* day_ = nullptr;
+  QLabel* problem_ = nullptr;
+  QLabel* weeks_ = nullptr;
+  QWidget* results_ = nullptr;
+  QLabel* backlogDone_ = nullptr;
+  bool suggested_ = false;
+  std::uint64_t pendingGeneration_ = 0;
+  std::uint64_t shownGeneration_ = 0;
+};
+
+}  // namespace orvane::app
