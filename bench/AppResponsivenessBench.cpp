@@ -169,14 +169,3 @@ BENCHMARK(BM_DropCard)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace orvane
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // The offscreen platform's notes on window hints would drown the figures.
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  QApplication app(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
