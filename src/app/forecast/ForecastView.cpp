@@ -297,6 +297,7 @@ void ForecastView::reload() {
     return;
   }
   open_ = snap->remainingBacklog();
+  projectInput_.reset();
   projectName_ = snap->project.name;
   previous_ = latestBefore(forecastHistory(*snap), context_.now());
   fillScopes(*snap);
@@ -356,7 +357,7 @@ void ForecastView::recompute() {
     ForecastService forecasts(context_.store());
     const CivilDate today = ForecastService::todayUTC(context_.now());
     input = epic != nullptr ? forecasts.input(*epic, share_->value() / 100, today, context_.calendar())
-                            : forecasts.input(*project(), today, percent, std::nullopt, backlogChange_->value());
+                            : projectInput(today).withWhatIf(percent, backlogChange_->value());
   } catch (const std::exception& error) {
     // A refused share: the sentence goes beside the field, the last forecast stays.
     ++pendingGeneration_;
@@ -501,13 +502,20 @@ void ForecastView::setCommitment(bool clear) {
 
 namespace orvane::app {
 
+ForecastInput ForecastView::projectInput(CivilDate today) {
+  if (!projectInput_ || projectInputOf_ != *project() || projectInput_->asOf != today) {
+    projectInput_ = ForecastService(context_.store()).input(*project(), today);
+    projectInputOf_ = *project();
+  }
+  return *projectInput_;
+}
+
 void ForecastView::runByDate() {
   if (!project() || chosenEpic() != nullptr) return;
   ForecastInput input;
   try {
-    ForecastService forecasts(context_.store());
-    input = forecasts.input(*project(), ForecastService::todayUTC(context_.now()), throughput_->value(), std::nullopt,
-                            backlogChange_->value());
+    input = projectInput(ForecastService::todayUTC(context_.now()))
+                .withWhatIf(throughput_->value(), backlogChange_->value());
   } catch (const std::exception& error) {
     showAlert(this, QString::fromStdString(error.what()));
     return;

@@ -58,6 +58,10 @@ class ForecastView : public ProjectViewBase {
   // Stores the weekly estimate typed beside the history, or clears it.
   void setEstimate(bool clear);
   void runByDate();
+  // The whole project's input without what-if, read from the store once per
+  // reload (and again when the day turns), so moving the slider reads
+  // nothing. Throws what the service throws.
+  ForecastInput projectInput(CivilDate today);
   void fillScopes(const ProjectSnapshot& project);
   // The epic chosen as the scope; none for the whole project.
   const Epic* chosenEpic() const;
@@ -95,6 +99,8 @@ class ForecastView : public ProjectViewBase {
   std::string projectName_;
   std::optional<ForecastHistoryPoint> previous_;
   std::int64_t open_ = 0;
+  std::optional<ForecastInput> projectInput_;
+  Uuid projectInputOf_;
   std::uint64_t pendingGeneration_ = 0;
   std::uint64_t shownGeneration_ = 0;
 };

@@ -1,12 +1,24 @@
 #include "core/forecast/ForecastInput.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "core/forecast/ForecastServiceError.h"
 #include "engine/MonteCarlo.h"
 #include "engine/ThroughputMultiplier.h"
 
 namespace orvane {
+
+ForecastInput ForecastInput::withWhatIf(double whatIfPercent, std::int64_t backlogChange) const {
+  ForecastInput changed = *this;
+  changed.whatIfPercent = whatIfPercent;
+  std::int64_t sum = 0;
+  if (__builtin_add_overflow(backlog, backlogChange, &sum)) {
+    sum = backlogChange > 0 ? std::numeric_limits<std::int64_t>::max() : 0;
+  }
+  changed.backlog = std::max<std::int64_t>(sum, 0);
+  return changed;
+}
 
 std::vector<double> simulatedSamples(const std::vector<PeriodCount>& history, double whatIfPercent) {
   std::vector<double> samples = ThroughputHistory::samples(history);

@@ -28,8 +28,8 @@ struct WhenForecast {
   double whatIfPercent = 0;
   std::vector<PeriodCount> history;
   std::int64_t iterations = 0;
-  std::map<int, double> periods;     // level -> weeks
-  std::map<int, CivilDate> dates;    // level -> finish day
+  std::map<int, double> periods;   // level -> weeks
+  std::map<int, CivilDate> dates;  // level -> finish day
   std::vector<HistogramBin> histogram;
   bool inconclusive = false;
   std::optional<CivilDate> commitment;
@@ -62,6 +62,11 @@ struct ForecastInput {
   std::vector<PeriodCount> history;  // the 12 weeks, oldest first
   std::optional<CivilDate> commitment;
   std::optional<CivilDate> target;
+
+  // The same forecast with the team's throughput changed by `whatIfPercent`
+  // and `backlogChange` tickets added (removed when negative; the backlog
+  // never goes below 0 and saturates instead of overflowing).
+  ForecastInput withWhatIf(double whatIfPercent, std::int64_t backlogChange) const;
 
   // Throws ForecastFailure (e.g. a what-if of -100% or less).
   WhenForecast runWhen() const;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "core/board/BoardError.h"
 #include "core/board/PMError.h"
@@ -77,15 +76,6 @@ std::int64_t openTicketsOf(const ProjectSnapshot& snapshot, const Uuid& epic) {
                        [&](const Ticket& t) { return t.epicId == epic && snapshot.isOpen(t); });
 }
 
-// remaining + change, never below 0 and saturating instead of overflowing.
-std::int64_t adjustedBacklog(std::int64_t remaining, std::int64_t change) {
-  std::int64_t sum = 0;
-  if (__builtin_add_overflow(remaining, change, &sum)) {
-    sum = change > 0 ? std::numeric_limits<std::int64_t>::max() : 0;
-  }
-  return std::max<std::int64_t>(sum, 0);
-}
-
 ForecastRecord recordOf(const Uuid& project, ForecastKind kind, std::string_view note, Timestamp now,
                         const CivilDate& asOf, std::int64_t backlog, double whatIfPercent,
                         const std::vector<PeriodCount>& history) {
@@ -121,12 +111,11 @@ ForecastInput ForecastService::input(const Uuid& project, CivilDate asOf, double
   ProjectSnapshot snapshot = requireSnapshot(db_, project);
   ForecastInput input;
   input.asOf = asOf;
-  input.backlog = adjustedBacklog(snapshot.remainingBacklog(), backlogChange);
-  input.whatIfPercent = whatIfPercent;
+  input.backlog = snapshot.remainingBacklog();
   input.history = historyOf(db_, snapshot, asOf);
   if (snapshot.project.committedDate) input.commitment = CivilDate::fromUtc(*snapshot.project.committedDate);
   input.target = target;
-  return input;
+  return input.withWhatIf(whatIfPercent, backlogChange);
 }
 
 ForecastInput ForecastService::input(const Epic& epic, double share, CivilDate asOf, const icu::Calendar& calendar) {
