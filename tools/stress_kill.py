@@ -6,7 +6,7 @@ started and killed with SIGKILL after a random delay within the operation's
 measured duration. Then the store must open with the CLI, pass SQLite's
 integrity check, and show the operation whole or not at all.
 
-  tools/stress_kill.py --cli build/src/cli/orvane-cli --kills 200 [--only first-create,demo,import,restore,backup]
+  tools/stress_kill.py --cli build/src/cli/orvane-cli --kills 200 [--only first-create,demo,import,restore,backup,export]
 
 Exit code 0 when every kill left a sound store, 1 otherwise. Standard library
 only.
@@ -26,7 +26,7 @@ import sys
 import tempfile
 import time
 
-OPERATIONS = ["first-create", "demo", "import", "restore", "backup"]
+OPERATIONS = ["first-create", "demo", "import", "restore", "backup", "export"]
 IMPORT_TICKETS = 2000
 NOW = "2026-03-05T10:00:00Z"
 
@@ -179,6 +179,38 @@ class Backup(Operation):
         return None
 
 
+class Export(Operation):
+    """An export over an older file: the target is the old file or a whole
+    new one, and the next export to the same place leaves no temporary file."""
+
+    name = "export"
+    old = "title\nThe file as it was\n"
+
+    def prepare(self, case):
+        case.run("demo")
+        case.target_dir = os.path.join(case.dir, "target")
+        os.makedirs(case.target_dir)
+        case.target = os.path.join(case.target_dir, "tickets.csv")
+        with open(case.target, "w", encoding="utf-8") as f:
+            f.write(self.old)
+        return ["export", "Demo: Web Shop", case.target]
+
+    def baseline(self, case):
+        with open(case.target, encoding="utf-8") as f:
+            return f.read().count("\n")
+
+    def check(self, case, clean):
+        with open(case.target, encoding="utf-8") as f:
+            text = f.read()
+        if text != self.old and text.count("\n") != clean:
+            return "partial"
+        if [n for n in os.listdir(case.target_dir) if n != "tickets.csv"]:
+            case.run("export", "Demo: Web Shop", case.target)
+            if [n for n in os.listdir(case.target_dir) if n != "tickets.csv"]:
+                return "leftover"
+        return None
+
+
 def integrity(path):
     try:
         db = sqlite3.connect(f"file:{path}?mode=ro", uri=True)
@@ -264,6 +296,7 @@ def main():
                 "import": Import,
                 "restore": lambda: Restore(root, cli),
                 "backup": Backup,
+                "export": Export,
             }[name]()
             duration, clean = stress.measure(operation)
             kills = 0
