@@ -1,13 +1,11 @@
 #include "app/forecast/ByDateSection.h"
 
 #include <QDateEdit>
-#include <QFutureWatcher>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <QtConcurrent>
 #include <exception>
 #include <optional>
 
@@ -112,30 +110,25 @@ void ByDateSection::suggestTarget(CivilDate today) {
 
 void ByDateSection::run(ForecastInput input) {
   input.target = target();
-  const std::uint64_t generation = ++pendingGeneration_;
-  auto* watcher = new QFutureWatcher<ByDateRun>(this);
-  connect(watcher, &QFutureWatcher<ByDateRun>::finished, this, [this, watcher, generation] {
-    watcher->deleteLater();
-    // A newer run was started meanwhile: this result is stale.
-    if (generation != pendingGeneration_) return;
-    const ByDateRun result = watcher->result();
-    shownGeneration_ = generation;
-    if (result.forecast) {
-      showResult(*result.forecast);
-    } else {
-      showProblem(result.error);
-    }
-    emit shown();
-  });
-  watcher->setFuture(QtConcurrent::run([input] {
-    ByDateRun result;
-    try {
-      result.forecast = input.runByDate();
-    } catch (const std::exception& error) {
-      result.error = QString::fromStdString(error.what());
-    }
-    return result;
-  }));
+  runs_.start(
+      this,
+      [input] {
+        ByDateRun result;
+        try {
+          result.forecast = input.runByDate();
+        } catch (const std::exception& error) {
+          result.error = QString::fromStdString(error.what());
+        }
+        return result;
+      },
+      [this](const ByDateRun& result) {
+        if (result.forecast) {
+          showResult(*result.forecast);
+        } else {
+          showProblem(result.error);
+        }
+        emit shown();
+      });
 }
 
 void ByDateSection::showProblem(const QString& sentence) {

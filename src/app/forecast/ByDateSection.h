@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <cstdint>
 
+#include "app/LatestRun.h"
 #include "core/forecast/ForecastInput.h"
 
 class QDateEdit;
@@ -27,7 +28,7 @@ class ByDateSection : public QWidget {
   void suggestTarget(CivilDate today);
   // Runs `input` (its target set to the picked day) off this thread.
   void run(ForecastInput input);
-  bool isComputing() const { return pendingGeneration_ != shownGeneration_; }
+  bool isComputing() const { return runs_.busy(); }
 
  signals:
   // The picked day changed: the owner hands in a fresh input.
@@ -45,8 +46,7 @@ class ByDateSection : public QWidget {
   QWidget* results_ = nullptr;
   QLabel* backlogDone_ = nullptr;
   bool suggested_ = false;
-  std::uint64_t pendingGeneration_ = 0;
-  std::uint64_t shownGeneration_ = 0;
+  LatestRun runs_;
 };
 
 }  // namespace orvane::app

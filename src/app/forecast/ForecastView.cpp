@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDoubleSpinBox>
-#include <QFutureWatcher>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -15,7 +14,6 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QVBoxLayout>
-#include <QtConcurrent>
 #include <cmath>
 #include <exception>
 #include <string>
@@ -152,7 +150,7 @@ ForecastView::ForecastView(AppContext& context, QWidget* parent) : ProjectViewBa
 
 ForecastView::~ForecastView() = default;
 
-bool ForecastView::isComputing() const { return pendingGeneration_ != shownGeneration_ || byDate_->isComputing(); }
+bool ForecastView::isComputing() const { return runs_.busy() || byDate_->isComputing(); }
 
 QWidget* ForecastView::buildForecastPage() {
   auto* page = new QWidget;
@@ -305,8 +303,7 @@ void ForecastView::reload() {
   estimate_->setText(snap->project.fillerLambda ? QString::number(*snap->project.fillerLambda) : QString());
   estimate_->setPlaceholderText(QStringLiteral("default %1").arg(ColdStart::defaultLambda));
   if (open_ == 0) {
-    ++pendingGeneration_;
-    shownGeneration_ = pendingGeneration_;
+    runs_.skip();
     showEmpty(
         QStringLiteral("Nothing is open in this project, so there is nothing to forecast.\n"
                        "Add tickets to the board, and this view will say when they will be done."));
@@ -360,8 +357,7 @@ void ForecastView::recompute() {
                             : projectInput(today).withWhatIf(percent, backlogChange_->value());
   } catch (const std::exception& error) {
     // A refused share: the sentence goes beside the field, the last forecast stays.
-    ++pendingGeneration_;
-    shownGeneration_ = pendingGeneration_;
+    runs_.skip();
     scopeProblem_->setText(QString::fromStdString(error.what()));
     emit forecastShown();
     return;
@@ -371,30 +367,25 @@ void ForecastView::recompute() {
     byDate_->suggestTarget(input.asOf);
     byDate_->run(input);
   }
-  const std::uint64_t generation = ++pendingGeneration_;
-  auto* watcher = new QFutureWatcher<WhenRun>(this);
-  connect(watcher, &QFutureWatcher<WhenRun>::finished, this, [this, watcher, generation] {
-    watcher->deleteLater();
-    // A newer run was started meanwhile: this result is stale.
-    if (generation != pendingGeneration_) return;
-    const WhenRun run = watcher->result();
-    shownGeneration_ = generation;
-    if (run.forecast) {
-      showForecast(*run.forecast);
-    } else {
-      showEmpty(run.error);
-    }
-    emit forecastShown();
-  });
-  watcher->setFuture(QtConcurrent::run([input] {
-    WhenRun run;
-    try {
-      run.forecast = input.runWhen();
-    } catch (const std::exception& error) {
-      run.error = QString::fromStdString(error.what());
-    }
-    return run;
-  }));
+  runs_.start(
+      this,
+      [input] {
+        WhenRun run;
+        try {
+          run.forecast = input.runWhen();
+        } catch (const std::exception& error) {
+          run.error = QString::fromStdString(error.what());
+        }
+        return run;
+      },
+      [this](const WhenRun& run) {
+        if (run.forecast) {
+          showForecast(*run.forecast);
+        } else {
+          showEmpty(run.error);
+        }
+        emit forecastShown();
+      });
 }
 
 void ForecastView::showForecast(const WhenForecast& forecast) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/LatestRun.h"
 #include "app/ProjectViewBase.h"
 #include "core/accuracy/ForecastAccuracy.h"
 #include "core/forecast/ForecastInput.h"
@@ -101,8 +102,7 @@ class ForecastView : public ProjectViewBase {
   std::int64_t open_ = 0;
   std::optional<ForecastInput> projectInput_;
   Uuid projectInputOf_;
-  std::uint64_t pendingGeneration_ = 0;
-  std::uint64_t shownGeneration_ = 0;
+  LatestRun runs_;
 };
 
 }  // namespace orvane::app
