@@ -43,6 +43,10 @@ QColor ThroughputHistoryChart::colourOf(ProvenanceTier tier) {
 }
 
 void ThroughputHistoryChart::showHistory(const std::vector<PeriodCount>& history) {
+  // A what-if changes the forecast, not the weeks it draws from: moving the
+  // slider redraws nothing here.
+  if (shown_ && *shown_ == history) return;
+  shown_ = history;
   QChart* c = chart();
   c->removeAllSeries();
   for (QAbstractAxis* axis : c->axes()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChartView>
+#include <optional>
 #include <vector>
 
 #include "engine/ThroughputHistory.h"
@@ -22,6 +23,9 @@ class ThroughputHistoryChart : public QChartView {
 
   // The colour a period of `tier` is drawn in.
   static QColor colourOf(ProvenanceTier tier);
+
+ private:
+  std::optional<std::vector<PeriodCount>> shown_;
 };
 
 }  // namespace orvane::app

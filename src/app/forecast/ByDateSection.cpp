@@ -131,6 +131,14 @@ void ByDateSection::run(ForecastInput input) {
       });
 }
 
+void ByDateSection::showRun(CivilDate day, const ByDateForecast& forecast) {
+  if (day == target()) showResult(forecast);
+}
+
+void ByDateSection::showRefusal(CivilDate day, const QString& sentence) {
+  if (day == target()) showProblem(sentence);
+}
+
 void ByDateSection::showProblem(const QString& sentence) {
   problem_->setText(sentence);
   results_->setVisible(false);

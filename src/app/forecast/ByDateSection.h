@@ -29,6 +29,13 @@ class ByDateSection : public QWidget {
   // Runs `input` (its target set to the picked day) off this thread.
   void run(ForecastInput input);
   bool isComputing() const { return runs_.busy(); }
+  // Drops this section's own run under way: the owner has started one that
+  // gives the counts for the same day with its newer inputs.
+  void cancelRun() { runs_.skip(); }
+  // The owner's run for `day`: shown only while `day` is still the one
+  // picked (a newer pick has its own run).
+  void showRun(CivilDate day, const ByDateForecast& forecast);
+  void showRefusal(CivilDate day, const QString& sentence);
 
  signals:
   // The picked day changed: the owner hands in a fresh input.

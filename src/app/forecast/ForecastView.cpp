@@ -35,11 +35,36 @@ namespace {
 constexpr int levels[] = {50, 70, 85, 95};
 
 // What a run in the thread pool hands back: the forecast, or the sentence of
-// the error that stopped it.
+// the error that stopped it; and for the whole project the by-date counts
+// of the same simulation, or the sentence refusing their target day.
 struct WhenRun {
   std::optional<WhenForecast> forecast;
   QString error;
+  std::optional<ByDateForecast> byDate;
+  QString byDateRefusal;
 };
+
+// One simulation for both forecasts when the target day is fine; when it
+// is refused, the "When" forecast alone.
+WhenRun runForecasts(const ForecastInput& input) {
+  WhenRun run;
+  try {
+    if (input.target) {
+      try {
+        auto [when, byDate] = input.runWhenAndByDate();
+        run.forecast = std::move(when);
+        run.byDate = std::move(byDate);
+        return run;
+      } catch (const ForecastServiceError& refusal) {
+        run.byDateRefusal = QString::fromStdString(refusal.what());
+      }
+    }
+    run.forecast = input.runWhen();
+  } catch (const std::exception& error) {
+    run.error = QString::fromStdString(error.what());
+  }
+  return run;
+}
 
 QString weeksText(double weeks) {
   return weeks == std::floor(weeks) ? QString::number(static_cast<qint64>(weeks)) : QString::number(weeks, 'f', 1);
@@ -362,27 +387,27 @@ void ForecastView::recompute() {
     emit forecastShown();
     return;
   }
-  // How many by a date follows the same what-if and backlog change.
+  // How many by a date follows the same what-if and backlog change, from
+  // the same simulation.
   if (epic == nullptr) {
     byDate_->suggestTarget(input.asOf);
-    byDate_->run(input);
+    byDate_->cancelRun();
+    input.target = byDate_->target();
   }
   runs_.start(
-      this,
-      [input] {
-        WhenRun run;
-        try {
-          run.forecast = input.runWhen();
-        } catch (const std::exception& error) {
-          run.error = QString::fromStdString(error.what());
-        }
-        return run;
-      },
-      [this](const WhenRun& run) {
+      this, [input] { return runForecasts(input); },
+      [this, target = input.target](const WhenRun& run) {
         if (run.forecast) {
           showForecast(*run.forecast);
         } else {
           showEmpty(run.error);
+        }
+        if (target) {
+          if (run.byDate) {
+            byDate_->showRun(*target, *run.byDate);
+          } else {
+            byDate_->showRefusal(*target, run.byDateRefusal.isEmpty() ? run.error : run.byDateRefusal);
+          }
         }
         emit forecastShown();
       });

@@ -28,16 +28,16 @@ std::vector<double> simulatedSamples(const std::vector<PeriodCount>& history, do
   return samples;
 }
 
-WhenForecast ForecastInput::runWhen() const {
-  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
-  const ForecastResult result = MonteCarlo::run(samples, backlog, ForecastSettings::iterations,
-                                                ForecastSettings::maxPeriods, std::nullopt, std::nullopt);
+namespace {
 
+WhenForecast whenFrom(const ForecastInput& input, const ForecastResult& result) {
+  const CivilDate& asOf = input.asOf;
+  const std::optional<CivilDate>& commitment = input.commitment;
   WhenForecast forecast;
   forecast.asOf = asOf;
-  forecast.backlog = backlog;
-  forecast.whatIfPercent = whatIfPercent;
-  forecast.history = history;
+  forecast.backlog = input.backlog;
+  forecast.whatIfPercent = input.whatIfPercent;
+  forecast.history = input.history;
   forecast.iterations = result.iterations;
   forecast.periods = result.percentiles();
   forecast.dates = result.dates(asOf, ForecastSettings::periodDays);
@@ -46,7 +46,7 @@ WhenForecast ForecastInput::runWhen() const {
   forecast.inconclusive = result.inconclusive;
   forecast.commitment = commitment;
   if (commitment) {
-    if (backlog == 0) {
+    if (input.backlog == 0) {
       forecast.commitmentConfidencePct = 100.0;
     } else if (const std::int64_t days = commitment->daysSince(asOf); days < 0) {
       forecast.commitmentConfidencePct = 0.0;
@@ -63,24 +63,24 @@ WhenForecast ForecastInput::runWhen() const {
   return forecast;
 }
 
-ByDateForecast ForecastInput::runByDate() const {
-  if (!target) throw ForecastServiceError(ForecastServiceError::Case::missingTarget);
-  const std::int64_t days = target->daysSince(asOf);
+// The whole weeks to the target. Throws the service's refusals of a target.
+std::int64_t wholePeriodsTo(const ForecastInput& input) {
+  if (!input.target) throw ForecastServiceError(ForecastServiceError::Case::missingTarget);
+  const std::int64_t days = input.target->daysSince(input.asOf);
   if (days <= 0) throw ForecastServiceError(ForecastServiceError::Case::targetNotInFuture);
   if (days > ForecastSettings::maxTargetDays) throw ForecastServiceError(ForecastServiceError::Case::horizonTooFar);
+  return days / ForecastSettings::periodDays;
+}
 
-  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
-  const std::int64_t wholePeriods = days / ForecastSettings::periodDays;
-  const ForecastResult result = MonteCarlo::run(samples, backlog, ForecastSettings::iterations,
-                                                ForecastSettings::maxPeriods, std::nullopt, wholePeriods);
-
+ByDateForecast byDateFrom(const ForecastInput& input, const ForecastResult& result, std::int64_t wholePeriods) {
+  const std::int64_t backlog = input.backlog;
   ByDateForecast forecast;
-  forecast.asOf = asOf;
-  forecast.target = *target;
+  forecast.asOf = input.asOf;
+  forecast.target = *input.target;
   forecast.wholePeriods = wholePeriods;
   forecast.backlog = backlog;
-  forecast.whatIfPercent = whatIfPercent;
-  forecast.history = history;
+  forecast.whatIfPercent = input.whatIfPercent;
+  forecast.history = input.history;
   forecast.iterations = result.iterations;
   forecast.counts = result.ticketsByHorizon().value_or(std::map<int, std::int64_t>{});
   if (backlog == 0) {
@@ -93,6 +93,31 @@ ByDateForecast ForecastInput::runByDate() const {
     forecast.backlogDonePct = static_cast<double>(finished) / static_cast<double>(done.size()) * 100.0;
   }
   return forecast;
+}
+
+}  // namespace
+
+WhenForecast ForecastInput::runWhen() const {
+  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
+  return whenFrom(*this, MonteCarlo::run(samples, backlog, ForecastSettings::iterations, ForecastSettings::maxPeriods,
+                                         std::nullopt, std::nullopt));
+}
+
+ByDateForecast ForecastInput::runByDate() const {
+  const std::int64_t wholePeriods = wholePeriodsTo(*this);
+  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
+  return byDateFrom(*this,
+                    MonteCarlo::run(samples, backlog, ForecastSettings::iterations, ForecastSettings::maxPeriods,
+                                    std::nullopt, wholePeriods),
+                    wholePeriods);
+}
+
+std::pair<WhenForecast, ByDateForecast> ForecastInput::runWhenAndByDate() const {
+  const std::int64_t wholePeriods = wholePeriodsTo(*this);
+  const std::vector<double> samples = simulatedSamples(history, whatIfPercent);
+  const ForecastResult result = MonteCarlo::run(samples, backlog, ForecastSettings::iterations,
+                                                ForecastSettings::maxPeriods, std::nullopt, wholePeriods);
+  return {whenFrom(*this, result), byDateFrom(*this, result, wholePeriods)};
 }
 
 }  // namespace orvane

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "engine/CivilDate.h"
@@ -73,6 +74,11 @@ struct ForecastInput {
   // Throws ForecastServiceError: missingTarget, targetNotInFuture,
   // horizonTooFar; or ForecastFailure.
   ByDateForecast runByDate() const;
+  // Both forecasts from one simulation, equal to runWhen() and runByDate():
+  // a run with a horizon replays the very futures of the run without one
+  // (the seed follows from the samples and the backlog alone), so the
+  // screen that shows both pays for one. Throws as runByDate().
+  std::pair<WhenForecast, ByDateForecast> runWhenAndByDate() const;
 
   friend bool operator==(const ForecastInput&, const ForecastInput&) = default;
 };

@@ -68,5 +68,27 @@ TEST(ForecastInput, commitmentScoresTheSimulationsDoneWithinItsWholeWeeks) {
   EXPECT_EQ(input(10).runWhen().commitmentConfidencePct, std::nullopt);
 }
 
+// The screen shows both forecasts from one simulation; that must never give a
+// number the separate runs would not. Thin and lumpy samples, empty and huge
+// backlogs, what-ifs, commitments, horizons of one week up to the limit.
+TEST(ForecastInput, oneRunForBothForecastsEqualsTheSeparateRuns) {
+  struct Case {
+    std::int64_t backlog;
+    std::optional<std::int64_t> commitmentDays;
+    std::int64_t targetDays;
+    double whatIf;
+  };
+  const Case cases[] = {{0, 10, 7, 0},      {1, {}, 1, 0},      {25, 20, 10, 0},     {25, -5, 3646, -30},
+                        {300, 400, 90, 50}, {5000, {}, 700, 0}, {40, 13, 27, 100}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.backlog);
+    const ForecastInput in = input(c.backlog, c.commitmentDays, c.targetDays, c.whatIf);
+    const auto [when, byDate] = in.runWhenAndByDate();
+    EXPECT_EQ(when, in.runWhen());
+    EXPECT_EQ(byDate, in.runByDate());
+  }
+  EXPECT_THROW(input(5, {}, 0).runWhenAndByDate(), ForecastServiceError);
+}
+
 }  // namespace
 }  // namespace orvane
