@@ -5,6 +5,7 @@
 #include <QChart>
 #include <QCursor>
 #include <QLegend>
+#include <QLegendMarker>
 #include <QStackedBarSeries>
 #include <QToolTip>
 #include <QValueAxis>
@@ -35,9 +36,37 @@ FinishWeeksChart::FinishWeeksChart(QWidget* parent) : QChartView(parent) {
   setObjectName(QStringLiteral("finishWeeksChart"));
   setRenderHint(QPainter::Antialiasing);
   setMinimumHeight(260);
-  chart()->setTitle(QStringLiteral("Finish weeks of the simulations"));
-  chart()->legend()->setAlignment(Qt::AlignBottom);
-  chart()->setMargins(QMargins(4, 4, 4, 4));
+  QChart* c = chart();
+  c->setTitle(QStringLiteral("Finish weeks of the simulations"));
+  c->legend()->setAlignment(Qt::AlignBottom);
+  c->setMargins(QMargins(4, 4, 4, 4));
+
+  series_ = new QStackedBarSeries;
+  series_->setBarWidth(0.9);
+  for (std::size_t i = 0; i < bandLooks.size(); ++i) {
+    bands_[i] = new QBarSet(QString::fromLatin1(bandLooks[i].name));
+    bands_[i]->setColor(bandLooks[i].colour);
+    bands_[i]->setBorderColor(bandLooks[i].colour);
+    connect(bands_[i], &QBarSet::hovered, this, [this](bool entered, int index) {
+      if (entered) {
+        QToolTip::showText(QCursor::pos(), hoverText(index), this);
+      } else {
+        QToolTip::hideText();
+      }
+    });
+    series_->append(bands_[i]);
+  }
+  c->addSeries(series_);
+  weeksAxis_ = new QBarCategoryAxis;
+  weeksAxis_->setTitleText(QStringLiteral("Weeks from today, with the confidence levels reached in each"));
+  countAxis_ = new QValueAxis;
+  countAxis_->setTitleText(QStringLiteral("Simulations"));
+  countAxis_->setLabelFormat(QStringLiteral("%d"));
+  c->addAxis(weeksAxis_, Qt::AlignBottom);
+  c->addAxis(countAxis_, Qt::AlignLeft);
+  series_->attachAxis(weeksAxis_);
+  series_->attachAxis(countAxis_);
+  series_->setVisible(false);
 }
 
 QString FinishWeeksChart::hoverText(int index) const {
@@ -52,22 +81,7 @@ QString FinishWeeksChart::hoverText(int index) const {
 void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, const std::map<int, double>& levelWeeks,
                                      const std::optional<CivilDate>& committed) {
   bins_ = bins;
-  QChart* c = chart();
-  c->removeAllSeries();
-  for (QAbstractAxis* axis : c->axes()) {
-    c->removeAxis(axis);
-    delete axis;
-  }
-  if (bins.empty()) return;
-
-  auto* series = new QStackedBarSeries;
-  series->setBarWidth(0.9);
-  std::array<QBarSet*, bandLooks.size()> sets{};
-  for (std::size_t i = 0; i < bandLooks.size(); ++i) {
-    sets[i] = new QBarSet(QString::fromLatin1(bandLooks[i].name));
-    sets[i]->setColor(bandLooks[i].colour);
-    sets[i]->setBorderColor(bandLooks[i].colour);
-  }
+  std::array<QList<qreal>, bandLooks.size()> values;
   QStringList weeks;
   std::int64_t largest = 0;
   bool committedMarked = false;
@@ -85,44 +99,35 @@ void FinishWeeksChart::showHistogram(const std::vector<HistogramBin>& bins, cons
     weeks << label;
     largest = std::max(largest, bin.count);
     for (std::size_t i = 0; i < bandLooks.size(); ++i)
-      *sets[i] << (bandLooks[i].band == bin.band ? static_cast<qreal>(bin.count) : 0.0);
+      values[i] << (bandLooks[i].band == bin.band ? static_cast<qreal>(bin.count) : 0.0);
   }
-  for (std::size_t i = 0; i < bandLooks.size(); ++i) {
-    // A band no bin falls in would only add a legend entry for nothing.
-    if (sets[i]->sum() > 0) {
-      connect(sets[i], &QBarSet::hovered, this, [this](bool entered, int index) {
-        if (entered) {
-          QToolTip::showText(QCursor::pos(), hoverText(index), this);
-        } else {
-          QToolTip::hideText();
-        }
-      });
-      series->append(sets[i]);
-    } else {
-      delete sets[i];
-    }
-  }
-  c->addSeries(series);
 
-  auto* x = new QBarCategoryAxis;
-  x->append(weeks);
-  x->setTitleText(QStringLiteral("Weeks from today, with the confidence levels reached in each"));
-  // Many weeks crowd their numbers together; every label stays but smaller.
-  if (weeks.size() > 40) {
-    QFont font = x->labelsFont();
-    font.setPointSizeF(font.pointSizeF() * 0.7);
-    x->setLabelsFont(font);
-    x->setLabelsAngle(-90);
+  const QList<QLegendMarker*> markers = chart()->legend()->markers(series_);
+  for (std::size_t i = 0; i < bandLooks.size(); ++i) {
+    QBarSet* set = bands_[i];
+    if (set->count() == values[i].size()) {
+      // Same weeks: only the changed heights are replaced.
+      for (int k = 0; k < values[i].size(); ++k)
+        if (set->at(k) != values[i][k]) set->replace(k, values[i][k]);
+    } else {
+      set->remove(0, set->count());
+      set->append(values[i]);
+    }
+    // A band no bin falls in would only add a legend entry for nothing.
+    if (i < static_cast<std::size_t>(markers.size())) markers[static_cast<qsizetype>(i)]->setVisible(set->sum() > 0);
   }
-  auto* y = new QValueAxis;
-  y->setTitleText(QStringLiteral("Simulations"));
-  y->setRange(0, static_cast<qreal>(largest) * 1.1);
-  y->setLabelFormat(QStringLiteral("%d"));
-  y->applyNiceNumbers();
-  c->addAxis(x, Qt::AlignBottom);
-  c->addAxis(y, Qt::AlignLeft);
-  series->attachAxis(x);
-  series->attachAxis(y);
+  series_->setVisible(!bins.empty());
+  if (weeksAxis_->categories() != weeks) weeksAxis_->setCategories(weeks);
+  // Many weeks crowd their numbers together; every label stays but smaller.
+  const bool crowded = weeks.size() > 40;
+  if (crowded != (weeksAxis_->labelsAngle() != 0)) {
+    QFont font = weeksAxis_->labelsFont();
+    font.setPointSizeF(crowded ? font.pointSizeF() * 0.7 : font.pointSizeF() / 0.7);
+    weeksAxis_->setLabelsFont(font);
+    weeksAxis_->setLabelsAngle(crowded ? -90 : 0);
+  }
+  countAxis_->setRange(0, static_cast<qreal>(std::max<std::int64_t>(largest, 1)) * 1.1);
+  countAxis_->applyNiceNumbers();
 }
 
 }  // namespace orvane::app

@@ -1,17 +1,26 @@
 #pragma once
 
 #include <QChartView>
+#include <array>
 #include <map>
 #include <optional>
 #include <vector>
 
 #include "engine/Histogram.h"
 
+class QBarCategoryAxis;
+class QBarSet;
+class QStackedBarSeries;
+class QValueAxis;
+
 namespace orvane::app {
 
 // The finish weeks of a forecast's simulations as bars, one per week, each
 // coloured by the confidence band it falls in (up to 50%, 70%, 85%, 95%, and
 // the tail); the week of each level carries the level under its number.
+//
+// The series and axes are made once and their values replaced, so a live
+// what-if redraws the bars without rebuilding the chart.
 class FinishWeeksChart : public QChartView {
   Q_OBJECT
 
@@ -29,6 +38,10 @@ class FinishWeeksChart : public QChartView {
 
  private:
   std::vector<HistogramBin> bins_;
+  QStackedBarSeries* series_ = nullptr;
+  std::array<QBarSet*, 5> bands_{};  // from the likely to the unlikely
+  QBarCategoryAxis* weeksAxis_ = nullptr;
+  QValueAxis* countAxis_ = nullptr;
 };
 
 }  // namespace orvane::app
