@@ -1,4 +1,7 @@
+#include <QApplication>
 #include <QBarCategoryAxis>
+#include <QClipboard>
+#include <QTemporaryDir>
 #include <QBarSet>
 #include <QChart>
 #include <QComboBox>
@@ -18,7 +21,9 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/UndoHistory.h"
 #include "app/charts/FinishWeeksChart.h"
+#include "app/forecast/BacktestDialog.h"
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/ForecastView.h"
 #include "core/accuracy/ForecastNarrative.h"
@@ -74,6 +79,9 @@ class ForecastViewTest : public QObject {
   void everyNumberEqualsTheCommandLineOnAGeneratedProject();
   void byDateShowsTheServiceCountsAndItsRefusals();
   void historyIsColouredByProvenanceAndTheEstimateIsStored();
+  // The copied script, run by the system's NumPy, prints the view's levels.
+  void copiedScriptRebuildsTheForecastOnScreen();
+  void backtestEqualsTheCommandLineAndRefusesFutureDays();
 };
 
 void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
@@ -192,6 +200,13 @@ void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
   QCOMPARE(f.snapshot(demo).project.committedDate, std::nullopt);
   QCOMPARE(label(view, "forecastCommitment"), QString("No committed date."));
   QVERIFY(!view.findChild<QPushButton*>("clearCommitment")->isEnabled());
+
+  // Setting and clearing are steps of Undo like any other change.
+  QCOMPARE(f.context->undoHistory().undoLabel(), QString("Clear committed date"));
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::optional(committed.utcMidnight()));
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(demo).project.committedDate, std::nullopt);
 }
 
 void ForecastViewTest::epicScopeRunsAtTheShareAndRefusesABadOne() {
@@ -322,6 +337,18 @@ void compareWithCommandLine(AppFixture& f, const Uuid& project, const QString& k
         f, {"when", key, "--what-if", QString::number(w.percent), "--backlog-change", QString::number(w.change)});
     QCOMPARE(cli["whatIfPercent"].toDouble(), static_cast<double>(w.percent));
     expectCommandLineNumbers(view, cli);
+
+    // How many by the day picked, from the same simulation on screen.
+    const QString target = view.findChild<QDateEdit*>("byDateDay")->date().toString(Qt::ISODate);
+    const QJsonObject byDate =
+        cliForecast(f, {"by-date", key, target, "--what-if", QString::number(w.percent), "--backlog-change",
+                        QString::number(w.change)});
+    const QJsonObject counts = byDate["counts"].toObject();
+    for (const QString level : {"50", "70", "85", "95"})
+      QCOMPARE(label(view, "byDate" + level + "Count"), QString::number(counts[level].toInteger()));
+    QCOMPARE(label(view, "byDateBacklogDone"), QStringLiteral("Chance that all %1 tickets are done by then: %2%.")
+                                                   .arg(byDate["backlog"].toInteger())
+                                                   .arg(QString::number(byDate["backlogDonePct"].toDouble(), 'f', 1)));
   }
   view.findChild<QSlider*>("throughputChange")->setValue(0);
   view.findChild<QSpinBox*>("backlogChange")->setValue(0);
@@ -504,4 +531,110 @@ void ForecastViewTest::historyIsColouredByProvenanceAndTheEstimateIsStored() {
 }
 
 QTEST_MAIN(ForecastViewTest)
+namespace {
+
+// Runs `script` with the system's Python and NumPy; its standard output.
+QString runPython(const QString& script) {
+  QTemporaryDir dir;
+  const QString path = dir.filePath("reproduce.py");
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) qFatal("cannot write %s", qPrintable(path));
+  file.write(script.toUtf8());
+  file.close();
+  QProcess python;
+  python.start("/usr/bin/python3", {path});
+  if (!python.waitForFinished(60000) || python.exitCode() != 0)
+    qFatal("the script failed: %s", python.readAllStandardError().constData());
+  return QString::fromUtf8(python.readAllStandardOutput());
+}
+
+}  // namespace
+
+void ForecastViewTest::copiedScriptRebuildsTheForecastOnScreen() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.resize(1200, 900);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  QVERIFY(view.copyScriptAction()->isEnabled());
+
+  // The whole project at three what-ifs, and one epic at a share of the team.
+  struct Case {
+    int percent;
+    int change;
+    const char* epic;
+  };
+  for (const Case c : {Case{0, 0, nullptr}, Case{-30, 4, nullptr}, Case{45, 0, nullptr}, Case{0, 0, "Checkout"}}) {
+    if (c.epic != nullptr) {
+      auto* scope = view.findChild<QComboBox*>("forecastScope");
+      scope->setCurrentIndex(scope->findText(QStringLiteral("Epic: ") + c.epic, Qt::MatchStartsWith));
+      QVERIFY(scope->currentIndex() > 0);
+      view.findChild<QDoubleSpinBox*>("capacityShare")->setValue(60);
+    } else {
+      view.findChild<QSlider*>("throughputChange")->setValue(c.percent);
+      view.findChild<QSpinBox*>("backlogChange")->setValue(c.change);
+    }
+    settle(view);
+    QApplication::clipboard()->clear();
+    view.copyScriptAction()->trigger();
+    const QString script = QApplication::clipboard()->text();
+    QVERIFY(script.contains("numpy"));
+    QStringList expected;
+    for (const int level : {50, 70, 85, 95}) {
+      const double weeksOnScreen = label(view, QStringLiteral("level%1Weeks").arg(level)).toDouble();
+      expected << QStringLiteral("%1% %2 weeks").arg(level).arg(QString::number(weeksOnScreen, 'f', 1));
+    }
+    QCOMPARE(runPython(script).trimmed().split('\n'), expected);
+  }
+}
+
+void ForecastViewTest::backtestEqualsTheCommandLineAndRefusesFutureDays() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  QVERIFY(view.backtestAction()->isEnabled());
+  auto* dialog = qobject_cast<BacktestDialog*>(view.openBacktest());
+  QVERIFY(dialog != nullptr);
+  auto findLabel = [dialog](const QString& name) { return dialog->findChild<QLabel*>(name)->text(); };
+
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  for (const std::int64_t daysBack : {84, 35, 10}) {
+    const CivilDate day = today.addingDays(-daysBack);
+    dialog->backtest(day);
+    QVERIFY(dialog->shown().has_value());
+    const QJsonObject cli =
+        cliForecast(f, {"backtest", "SHOP", "--as-of", QString::fromStdString(day.description())});
+    const QJsonObject periods = cli["periods"].toObject();
+    const QJsonObject dates = cli["dates"].toObject();
+    for (const QString level : {"50", "70", "85", "95"}) {
+      QCOMPARE(findLabel("backtest" + level + "Weeks"), weeks(periods[level].toDouble()));
+      QCOMPARE(findLabel("backtest" + level + "Date"), dayText(dates[level]));
+    }
+    QVERIFY(findLabel("backtestBacklog").startsWith(QStringLiteral("Backlog then: %1 ticket").arg(cli["backlog"].toInteger())));
+    const QJsonObject actual = cli["actual"].toObject();
+    if (actual["finishedOn"].isNull()) {
+      QCOMPARE(findLabel("backtestActual"), QStringLiteral("Actual: the work is still open, %1 of %2 tickets still open.")
+                                                .arg(actual["stillOpen"].toInteger())
+                                                .arg(cli["backlog"].toInteger()));
+    } else {
+      QVERIFY(findLabel("backtestActual").startsWith("Actual: finished on " + dayText(actual["finishedOn"])));
+      const QJsonObject met = actual["levelsMet"].toObject();
+      for (const QString level : {"50", "70", "85", "95"})
+        QCOMPARE(findLabel("backtest" + level + "Met"),
+                 met[level].toBool() ? QString("finished in time") : QString("missed"));
+    }
+  }
+
+  // A day after today is refused with the backtest's sentence, and no numbers stay.
+  dialog->backtest(today.addingDays(3));
+  QVERIFY(!dialog->shown().has_value());
+  QVERIFY(!findLabel("backtestProblem").isEmpty());
+  QVERIFY(!dialog->findChild<QLabel*>("backtestBacklog")->isVisibleTo(dialog));
+}
+
 #include "ForecastViewTest.moc"

@@ -1,6 +1,10 @@
 #include "app/forecast/ForecastView.h"
 
+#include <QAction>
+#include <QClipboard>
 #include <QComboBox>
+#include <QGuiApplication>
+#include <QToolButton>
 #include <QDateEdit>
 #include <QDoubleSpinBox>
 #include <QGridLayout>
@@ -22,11 +26,13 @@
 #include "app/AppContext.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/charts/ThroughputHistoryChart.h"
+#include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ByDateSection.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/accuracy/HistoryDepth.h"
 #include "core/forecast/ForecastService.h"
 #include "core/forecast/ForecastServiceError.h"
+#include "core/forecast/ReproductionScript.h"
 #include "engine/ColdStart.h"
 
 namespace orvane::app {
@@ -288,6 +294,32 @@ QWidget* ForecastView::buildForecastPage() {
   narrative_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   column->addWidget(narrative_);
 
+  // Audit the numbers: rebuild them elsewhere, or see how a past forecast
+  // would have done.
+  copyScript_ = new QAction(QStringLiteral("Copy reproduction script"), this);
+  copyScript_->setObjectName(QStringLiteral("copyReproductionScript"));
+  copyScript_->setToolTip(
+      QStringLiteral("A short Python/NumPy script that rebuilds this forecast and prints the same four levels."));
+  copyScript_->setEnabled(false);
+  connect(copyScript_, &QAction::triggered, this, [this] { copyReproductionScript(); });
+  backtest_ = new QAction(QStringLiteral("How would this forecast have done?…"), this);
+  backtest_->setObjectName(QStringLiteral("backtest"));
+  backtest_->setEnabled(false);
+  connect(backtest_, &QAction::triggered, this, [this] { openBacktest(); });
+  auto* auditRow = new QHBoxLayout;
+  for (QAction* action : {copyScript_, backtest_}) {
+    auto* button = new QToolButton(page);
+    button->setDefaultAction(action);
+    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    auditRow->addWidget(button);
+  }
+  copied_ = new QLabel(page);
+  copied_->setObjectName(QStringLiteral("scriptCopied"));
+  auditRow->addSpacing(8);
+  auditRow->addWidget(copied_);
+  auditRow->addStretch(1);
+  column->addLayout(auditRow);
+
   chart_ = new FinishWeeksChart(page);
   column->addWidget(chart_, 1);
 
@@ -309,6 +341,11 @@ QWidget* ForecastView::buildForecastPage() {
 void ForecastView::showEmpty(const QString& text) {
   empty_->setText(text);
   pages_->setCurrentIndex(0);
+  shownInput_.reset();
+  copyScript_->setEnabled(false);
+  copied_->clear();
+  // A past day may have had work even when nothing is open now.
+  backtest_->setEnabled(project().has_value());
 }
 
 void ForecastView::reload() {
@@ -396,8 +433,10 @@ void ForecastView::recompute() {
   }
   runs_.start(
       this, [input] { return runForecasts(input); },
-      [this, target = input.target](const WhenRun& run) {
+      [this, input](const WhenRun& run) {
+        const std::optional<CivilDate>& target = input.target;
         if (run.forecast) {
+          shownInput_ = input;
           showForecast(*run.forecast);
         } else {
           showEmpty(run.error);
@@ -431,6 +470,9 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
     return;
   }
   pages_->setCurrentIndex(1);
+  copyScript_->setEnabled(shownInput_.has_value());
+  backtest_->setEnabled(true);
+  copied_->clear();
   heading_->setText(epic != nullptr
                         ? QStringLiteral("When will the epic “%1” be done?").arg(QString::fromStdString(epic->name))
                         : QStringLiteral("When will it be done?"));
@@ -505,13 +547,29 @@ void ForecastView::setCommitment(bool clear) {
     const QDate date = commitmentDay_->date();
     day = CivilDate(date.year(), date.month(), date.day()).utcMidnight();
   }
+  // One step of Undo, like every other change of the project.
+  context_.perform(clear ? QStringLiteral("Clear committed date") : QStringLiteral("Set committed date"),
+                   [&](BoardService&) { ForecastService(context_.store()).setCommitment(*project(), day); }, this);
+}
+
+void ForecastView::copyReproductionScript() {
+  if (!shownInput_) return;
   try {
-    ForecastService(context_.store()).setCommitment(*project(), day);
+    QGuiApplication::clipboard()->setText(QString::fromStdString(reproductionScript(*shownInput_)));
   } catch (const std::exception& error) {
     showAlert(this, QString::fromStdString(error.what()));
     return;
   }
-  context_.notifyStoreChanged();
+  copied_->setText(
+      QStringLiteral("Copied. Save it as a .py file and run it with Python 3 and NumPy: it prints these four levels."));
+}
+
+QDialog* ForecastView::openBacktest() {
+  if (!project()) return nullptr;
+  auto* dialog = new BacktestDialog(context_, *project(), this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+  return dialog;
 }
 
 }  // namespace orvane::app

@@ -11,7 +11,9 @@
 #include "core/forecast/ForecastInput.h"
 #include "core/model/Epic.h"
 
+class QAction;
 class QComboBox;
+class QDialog;
 class QDateEdit;
 class QDoubleSpinBox;
 class QGridLayout;
@@ -43,6 +45,16 @@ class ForecastView : public ProjectViewBase {
 
   // True while a run has been started and its result not yet shown.
   bool isComputing() const;
+
+  // The view's commands, for its buttons and the window's Forecast menu;
+  // each is enabled only while it can act.
+  QAction* copyScriptAction() const { return copyScript_; }
+  QAction* backtestAction() const { return backtest_; }
+  // Puts the script that rebuilds the forecast on screen on the clipboard.
+  void copyReproductionScript();
+  // Opens "How would this forecast have done?" for the project; returns it
+  // (tests and the tour pick a day in it).
+  QDialog* openBacktest();
 
  signals:
   // The labels and the chart now show the newest run.
@@ -95,12 +107,17 @@ class ForecastView : public ProjectViewBase {
   QLabel* estimateProblem_ = nullptr;
   ThroughputHistoryChart* history_ = nullptr;
   QLabel* historyCaution_ = nullptr;
+  QAction* copyScript_ = nullptr;
+  QAction* backtest_ = nullptr;
+  QLabel* copied_ = nullptr;
 
   std::vector<Epic> epics_;
   std::string projectName_;
   std::optional<ForecastHistoryPoint> previous_;
   std::int64_t open_ = 0;
   std::optional<ForecastInput> projectInput_;
+  // What the forecast on screen was run from, for its reproduction script.
+  std::optional<ForecastInput> shownInput_;
   Uuid projectInputOf_;
   LatestRun runs_;
 };
