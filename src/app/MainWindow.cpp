@@ -19,6 +19,7 @@
 #include "app/EmptyStateView.h"
 #include "app/ExternalChangeWatcher.h"
 #include "app/ProjectPane.h"
+#include "app/forecast/ForecastView.h"
 #include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
 #include "app/RenameProjectDialog.h"
@@ -144,6 +145,21 @@ void MainWindow::buildMenus() {
     const bool onBoard = viewMode() == ProjectViewMode::board && selectedProject().has_value();
     if (!onBoard) {
       for (QAction* action : ticket->actions()) action->setEnabled(false);
+    }
+  });
+
+  // The Forecast view's commands; built when opened, so each is offered
+  // only while the view on screen can carry it out.
+  QMenu* forecast = menuBar()->addMenu(QStringLiteral("Fo&recast"));
+  forecast->setObjectName(QStringLiteral("forecastMenu"));
+  connect(forecast, &QMenu::aboutToShow, this, [this, forecast] {
+    forecast->clear();
+    auto* view = qobject_cast<ForecastView*>(pane_->view(ProjectViewMode::forecast));
+    if (view == nullptr) return;
+    const bool onForecast = viewMode() == ProjectViewMode::forecast && selectedProject().has_value();
+    for (QAction* command : view->commands()) {
+      QAction* entry = forecast->addAction(command->text(), command, &QAction::trigger);
+      entry->setEnabled(onForecast && command->isEnabled());
     }
   });
 

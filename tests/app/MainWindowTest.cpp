@@ -1,3 +1,4 @@
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -7,6 +8,7 @@
 #include <QScreen>
 #include <QSettings>
 #include <QStackedWidget>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <fstream>
@@ -34,6 +36,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/UndoHistory.h"
+#include "app/forecast/ForecastView.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -57,6 +60,7 @@ class MainWindowTest : public QObject {
   void reopensOnLastProjectAndView();
   void renamesProjectFromListAndMenuAsOneUndoStep();
   void ticketMenuActsOnTheBoardSelection();
+  void forecastMenuCarriesTheForecastViewsCommands();
 };
 
 namespace {
@@ -455,6 +459,39 @@ void MainWindowTest::ticketMenuActsOnTheBoardSelection() {
   for (QAction* action : menu->actions()) QVERIFY(!action->isEnabled());
   window.setViewMode(ProjectViewMode::board);
   QVERIFY(window.pane()->boardView()->cardActions()->archiveAction()->isEnabled());
+}
+
+void MainWindowTest::forecastMenuCarriesTheForecastViewsCommands() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  MainWindow window(*f.context);
+  window.selectProject(demo);
+  window.show();
+  auto* menu = window.menuBar()->findChild<QMenu*>("forecastMenu");
+  QVERIFY(menu != nullptr);
+  auto entryOf = [menu](const QString& text) -> QAction* {
+    for (QAction* action : menu->actions())
+      if (action->text() == text) return action;
+    return nullptr;
+  };
+
+  // Elsewhere the forecast on screen is not this project's: nothing to act on.
+  window.setViewMode(ProjectViewMode::board);
+  emit menu->aboutToShow();
+  QVERIFY(!menu->actions().isEmpty());
+  for (QAction* action : menu->actions()) QVERIFY(!action->isEnabled());
+
+  window.setViewMode(ProjectViewMode::forecast);
+  auto* view = qobject_cast<ForecastView*>(window.pane()->view(ProjectViewMode::forecast));
+  QSignalSpy shown(view, &ForecastView::forecastShown);
+  while (view->isComputing()) QVERIFY(shown.wait(20000));
+  emit menu->aboutToShow();
+  QAction* copy = entryOf("Copy reproduction script");
+  QVERIFY(copy != nullptr && copy->isEnabled());
+  QApplication::clipboard()->clear();
+  copy->trigger();
+  QVERIFY(QApplication::clipboard()->text().contains("numpy"));
+  QVERIFY(entryOf("How would this forecast have done?…")->isEnabled());
 }
 
 QTEST_MAIN(MainWindowTest)

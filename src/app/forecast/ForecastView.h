@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <QList>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,6 +51,7 @@ class ForecastView : public ProjectViewBase {
   // each is enabled only while it can act.
   QAction* copyScriptAction() const { return copyScript_; }
   QAction* backtestAction() const { return backtest_; }
+  QList<QAction*> commands() const { return {copyScript_, backtest_}; }
   // Puts the script that rebuilds the forecast on screen on the clipboard.
   void copyReproductionScript();
   // Opens "How would this forecast have done?" for the project; returns it
