@@ -3,12 +3,14 @@
 #include <QDate>
 #include <QWidget>
 #include <cstdint>
+#include <optional>
 
 #include "app/LatestRun.h"
 #include "core/forecast/ForecastInput.h"
 
 class QDateEdit;
 class QLabel;
+class QPushButton;
 
 namespace orvane::app {
 
@@ -29,12 +31,16 @@ class ByDateSection : public QWidget {
   // Runs `input` (its target set to the picked day) off this thread.
   void run(ForecastInput input);
   bool isComputing() const { return runs_.busy(); }
+  // The counts on screen; none while a refusal is shown.
+  const std::optional<ByDateForecast>& shownForecast() const { return shown_; }
 
  signals:
   // The picked day changed: the owner hands in a fresh input.
   void targetChanged();
   // The counts, or the refusal, of the newest run are shown.
   void shown();
+  // "Log this forecast…" was pressed while shownForecast() holds counts.
+  void logRequested();
 
  private:
   void showResult(const ByDateForecast& forecast);
@@ -45,6 +51,8 @@ class ByDateSection : public QWidget {
   QLabel* weeks_ = nullptr;
   QWidget* results_ = nullptr;
   QLabel* backlogDone_ = nullptr;
+  QPushButton* log_ = nullptr;
+  std::optional<ByDateForecast> shown_;
   bool suggested_ = false;
   LatestRun runs_;
 };

@@ -13,6 +13,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QStackedWidget>
+#include <QTabWidget>
 #include <QVBoxLayout>
 #include <cmath>
 #include <exception>
@@ -23,6 +24,8 @@
 #include "app/charts/FinishWeeksChart.h"
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/ByDateSection.h"
+#include "app/forecast/ForecastLogPage.h"
+#include "app/forecast/LogForecastDialog.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/accuracy/HistoryDepth.h"
 #include "core/forecast/ForecastService.h"
@@ -141,11 +144,25 @@ ForecastView::ForecastView(AppContext& context, QWidget* parent) : ProjectViewBa
   connect(estimate_, &QLineEdit::returnPressed, this, [this] { setEstimate(false); });
   connect(clearEstimateButton, &QPushButton::clicked, this, [this] { setEstimate(true); });
 
-  auto* layout = new QVBoxLayout(this);
+  auto* forecastTab = new QWidget(this);
+  auto* layout = new QVBoxLayout(forecastTab);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(scopeRow_);
   layout->addWidget(estimateRow_);
   layout->addWidget(pages_, 1);
+  logPage_ = new ForecastLogPage(context_, this);
+  tabs_ = new QTabWidget(this);
+  tabs_->setObjectName(QStringLiteral("forecastTabs"));
+  tabs_->setDocumentMode(true);
+  tabs_->addTab(forecastTab, QStringLiteral("Forecast"));
+  tabs_->addTab(logPage_, QStringLiteral("Log and accuracy"));
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->addWidget(tabs_);
+  connect(this, &ForecastView::forecastShown, this, &ForecastView::updateLogButton);
+  connect(byDate_, &ByDateSection::logRequested, this, [this] {
+    if (project() && byDate_->shownForecast()) askToLogForecast(context_, *project(), *byDate_->shownForecast(), this);
+  });
 }
 
 ForecastView::~ForecastView() = default;
@@ -263,6 +280,17 @@ QWidget* ForecastView::buildForecastPage() {
   narrative_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   column->addWidget(narrative_);
 
+  auto* logRow = new QHBoxLayout;
+  logWhen_ = new QPushButton(QStringLiteral("Log this forecast…"), page);
+  logWhen_->setObjectName(QStringLiteral("logWhen"));
+  logWhen_->setEnabled(false);
+  logRow->addWidget(logWhen_);
+  logRow->addStretch(1);
+  column->addLayout(logRow);
+  connect(logWhen_, &QPushButton::clicked, this, [this] {
+    if (project() && shownWhen_) askToLogForecast(context_, *project(), *shownWhen_, this);
+  });
+
   chart_ = new FinishWeeksChart(page);
   column->addWidget(chart_, 1);
 
@@ -282,12 +310,14 @@ QWidget* ForecastView::buildForecastPage() {
 }
 
 void ForecastView::showEmpty(const QString& text) {
+  shownWhen_.reset();
   empty_->setText(text);
   pages_->setCurrentIndex(0);
 }
 
 void ForecastView::reload() {
   const auto snap = snapshot();
+  logPage_->showProject(snap.get(), context_.now());
   scopeRow_->setVisible(snap != nullptr);
   estimateRow_->setVisible(snap != nullptr);
   if (!snap) {
@@ -386,6 +416,7 @@ void ForecastView::recompute() {
         }
         emit forecastShown();
       });
+  updateLogButton();
 }
 
 void ForecastView::showForecast(const WhenForecast& forecast) {
@@ -406,6 +437,8 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
     return;
   }
   pages_->setCurrentIndex(1);
+  // Logged runs belong to the project: an epic's forecast is not logged.
+  shownWhen_ = epic != nullptr ? std::nullopt : std::optional(forecast);
   heading_->setText(epic != nullptr
                         ? QStringLiteral("When will the epic “%1” be done?").arg(QString::fromStdString(epic->name))
                         : QStringLiteral("When will it be done?"));
@@ -532,6 +565,11 @@ void ForecastView::setEstimate(bool clear) {
     return;
   }
   context_.notifyStoreChanged();
+}
+
+void ForecastView::updateLogButton() {
+  logWhen_->setVisible(chosenEpic() == nullptr);
+  logWhen_->setEnabled(shownWhen_.has_value() && !runs_.busy());
 }
 
 }  // namespace orvane::app
