@@ -3,7 +3,6 @@
 #include <QChart>
 #include <QCursor>
 #include <QDateTime>
-#include <QDateTimeAxis>
 #include <QLegend>
 #include <QLineSeries>
 #include <QLocale>
@@ -57,6 +56,15 @@ ForecastHistoryChart::ForecastHistoryChart(QWidget* parent) : QChartView(parent)
   chart()->setTitle(QStringLiteral("Finish dates of the logged forecasts"));
   chart()->legend()->setAlignment(Qt::AlignBottom);
   chart()->setMargins(QMargins(4, 4, 4, 4));
+  runAxis_ = new QDateTimeAxis;
+  runAxis_->setTitleText(QStringLiteral("Forecast run on"));
+  runAxis_->setFormat(QStringLiteral("d MMM yyyy"));
+  finishAxis_ = new QDateTimeAxis;
+  finishAxis_->setTitleText(QStringLiteral("Finish date"));
+  finishAxis_->setFormat(QStringLiteral("d MMM yyyy"));
+  finishAxis_->setTickCount(6);
+  chart()->addAxis(runAxis_, Qt::AlignBottom);
+  chart()->addAxis(finishAxis_, Qt::AlignLeft);
 }
 
 qreal ForecastHistoryChart::dayValue(const CivilDate& day) {
@@ -67,10 +75,8 @@ qreal ForecastHistoryChart::dayValue(const CivilDate& day) {
 void ForecastHistoryChart::showHistory(const std::vector<ForecastHistoryPoint>& history) {
   QChart* c = chart();
   c->removeAllSeries();
-  for (QAbstractAxis* axis : c->axes()) {
-    c->removeAxis(axis);
-    delete axis;
-  }
+  runAxis_->setVisible(!history.empty());
+  finishAxis_->setVisible(!history.empty());
   if (history.empty()) return;
 
   qreal firstRun = history.front().runAt.secondsSince1970 * 1000.0;
@@ -107,26 +113,17 @@ void ForecastHistoryChart::showHistory(const std::vector<ForecastHistoryPoint>& 
     delete committed;
   }
 
-  auto* runAxis = new QDateTimeAxis;
-  runAxis->setTitleText(QStringLiteral("Forecast run on"));
-  runAxis->setFormat(QStringLiteral("d MMM yyyy"));
-  runAxis->setTickCount(std::clamp(static_cast<int>(history.size()) + 1, 3, 6));
+  runAxis_->setTickCount(std::clamp(static_cast<int>(history.size()) + 1, 3, 6));
   // A day either side, so a single run, or the first and last, stand clear
   // of the frame.
-  runAxis->setRange(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(firstRun - dayMs)),
-                    QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(lastRun + dayMs)));
-  auto* finishAxis = new QDateTimeAxis;
-  finishAxis->setTitleText(QStringLiteral("Finish date"));
-  finishAxis->setFormat(QStringLiteral("d MMM yyyy"));
-  finishAxis->setTickCount(6);
-  finishAxis->setRange(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(earliest - 3 * dayMs)),
-                       QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(latest + 3 * dayMs)));
-  c->addAxis(runAxis, Qt::AlignBottom);
-  c->addAxis(finishAxis, Qt::AlignLeft);
+  runAxis_->setRange(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(firstRun - dayMs)),
+                     QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(lastRun + dayMs)));
+  finishAxis_->setRange(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(earliest - 3 * dayMs)),
+                        QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(latest + 3 * dayMs)));
   for (QLineSeries* series : all) {
     c->addSeries(series);
-    series->attachAxis(runAxis);
-    series->attachAxis(finishAxis);
+    series->attachAxis(runAxis_);
+    series->attachAxis(finishAxis_);
     const QString name = series->name();
     connect(series, &QLineSeries::hovered, this, [name](const QPointF& point, bool state) {
       if (!state) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChartView>
+#include <QDateTimeAxis>
 #include <vector>
 
 #include "core/accuracy/ForecastAccuracy.h"
@@ -23,6 +24,11 @@ class ForecastHistoryChart : public QChartView {
   // The y value a finish day is drawn at: noon of that day in the local
   // time zone, so the axis labels it as that day wherever the user is.
   static qreal dayValue(const CivilDate& day);
+
+ private:
+  // Made once and kept: only the lines are replaced.
+  QDateTimeAxis* runAxis_ = nullptr;
+  QDateTimeAxis* finishAxis_ = nullptr;
 };
 
 }  // namespace orvane::app

@@ -28,10 +28,13 @@ QLabel* emptyState(const QString& name, const QString& text, QWidget* parent) {
 }
 
 QTableWidget* calibrationTable(const QString& name, QWidget* parent) {
-  return forecastTable(name,
-                       {QStringLiteral("Level"), QStringLiteral("Hits"), QStringLiteral("Judged"),
-                        QStringLiteral("Hit rate"), QStringLiteral("Against the level")},
-                       parent);
+  QTableWidget* table = forecastTable(name,
+                                      {QStringLiteral("Level"), QStringLiteral("Hits"), QStringLiteral("Judged"),
+                                       QStringLiteral("Hit rate"), QStringLiteral("Against the level")},
+                                      parent);
+  // Five short columns read better side by side than spread across a wide window.
+  table->setMaximumWidth(560);
+  return table;
 }
 
 // How far the hit rate is from the level it should match, in points.

@@ -19,7 +19,18 @@ QTableWidget* forecastTable(const QString& name, const QStringList& headers, QWi
   table->horizontalHeader()->setStretchLastSection(true);
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   table->setWordWrap(false);
+  // A window too narrow for the columns adds a scroll bar under the rows:
+  // the table grows by its height rather than hide the last row.
+  QObject::connect(table->horizontalScrollBar(), &QScrollBar::rangeChanged, table, [table] { fitHeight(table); });
   return table;
+}
+
+void fitHeight(QTableWidget* table) {
+  const int scrollBar =
+      table->horizontalScrollBar()->maximum() > 0 ? table->horizontalScrollBar()->sizeHint().height() : 0;
+  table->setFixedHeight(table->horizontalHeader()->sizeHint().height() +
+                        table->rowCount() * table->verticalHeader()->defaultSectionSize() + 2 * table->frameWidth() +
+                        scrollBar);
 }
 
 QTableWidgetItem* textCell(const QString& text) {
@@ -37,11 +48,7 @@ QTableWidgetItem* numberCell(const QString& text) {
 void fitRows(QTableWidget* table, int rows) {
   table->clearContents();
   table->setRowCount(rows);
-  const int rowHeight = table->verticalHeader()->defaultSectionSize();
-  const int scrollBar = table->horizontalScrollBar()->sizeHint().height();
-  // Room for a horizontal scroll bar, which a narrow window may need.
-  table->setFixedHeight(table->horizontalHeader()->sizeHint().height() + rows * rowHeight + 2 * table->frameWidth() +
-                        scrollBar);
+  fitHeight(table);
 }
 
 QString dayText(const std::optional<CivilDate>& day) {

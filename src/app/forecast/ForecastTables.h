@@ -25,6 +25,9 @@ QTableWidgetItem* numberCell(const QString& text);
 
 // Sets the rows to `rows` and the height to fit them and the header.
 void fitRows(QTableWidget* table, int rows);
+// The height that fits the rows, the header and, when shown, the
+// horizontal scroll bar.
+void fitHeight(QTableWidget* table);
 
 // "5 Mar 2026"; "" for none.
 QString dayText(const std::optional<CivilDate>& day);
