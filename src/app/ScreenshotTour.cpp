@@ -95,10 +95,13 @@ bool ScreenshotTour::saveScreen(const QString& name) {
 }
 
 void ScreenshotTour::logForecasts(ForecastView& forecast, const Uuid& project) {
-  // A run logged two weeks ago, so the history has a line to draw.
+  // A committed date four weeks out, and a run logged two weeks ago, so the
+  // history has lines to draw, the promise among them.
   ForecastService service(context_.store());
   const Timestamp earlier{context_.now().secondsSince1970 - 14 * 86400.0};
+  const CivilDate today = ForecastService::todayUTC(context_.now());
   try {
+    service.setCommitment(project, CivilDate::fromDaysSinceEpoch(today.daysSinceEpoch() + 28).utcMidnight());
     service.log(service.input(project, ForecastService::todayUTC(earlier)).runWhen(), project,
                 "Before the scope review", earlier);
   } catch (const std::exception& error) {

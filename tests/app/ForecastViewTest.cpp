@@ -2,18 +2,18 @@
 #include <QBarSet>
 #include <QChart>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QDateTime>
 #include <QDateTimeAxis>
-#include <QDateEdit>
 #include <QDoubleSpinBox>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
-#include <QProcess>
 #include <QLineEdit>
 #include <QLineSeries>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -564,7 +564,8 @@ std::vector<std::pair<qint64, QDate>> line(ForecastView& view, const QString& na
   for (QAbstractSeries* series : view.findChild<ForecastHistoryChart*>()->chart()->series()) {
     if (series->name() != name) continue;
     for (const QPointF& p : qobject_cast<QLineSeries*>(series)->points())
-      points.emplace_back(static_cast<qint64>(p.x()), QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(p.y())).date());
+      points.emplace_back(static_cast<qint64>(p.x()),
+                          QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(p.y())).date());
   }
   return points;
 }
@@ -683,7 +684,8 @@ void ForecastViewTest::logPageEqualsTheCommandLine() {
   const double finishedAfter[] = {38, 36, 33, 31};
   for (std::size_t n = 0; n < 4; ++n)
     board.moveTicket(tickets[6 + n], done->id, std::nullopt, daysAgo(finishedAfter[n]));
-  for (const char* title : {"Late one", "Late two"}) board.createTicket(project, NewTicket{.title = title}, daysAgo(20));
+  for (const char* title : {"Late one", "Late two"})
+    board.createTicket(project, NewTicket{.title = title}, daysAgo(20));
   ForecastService(f.t.store).setCommitment(project, std::nullopt);
   f.clock = daysAgo(14);
   view.reloadNow();
@@ -712,8 +714,7 @@ void ForecastViewTest::logPageEqualsTheCommandLine() {
     QCOMPARE(results.size(), 4);
     for (int i = 0; i < 4; ++i) {
       const QString level = QString::number(confidenceLevels[static_cast<std::size_t>(i)]) + '%';
-      QCOMPARE(cell(log, r, level),
-               byDate ? QString::number(results[i].toInteger()) : dayText(results[i]));
+      QCOMPARE(cell(log, r, level), byDate ? QString::number(results[i].toInteger()) : dayText(results[i]));
     }
     QCOMPARE(cell(log, r, "Target"), byDate ? dayText(record["targetDay"]) : QString());
     QCOMPARE(cell(log, r, "Commitment"),
@@ -789,16 +790,17 @@ void ForecastViewTest::logPageEqualsTheCommandLine() {
     CivilDate ForecastHistoryPoint::*date;
     const char* key;
   };
-  for (const Level& level : {Level{"50% date", &ForecastHistoryPoint::p50, "p50"},
-                             Level{"85% date", &ForecastHistoryPoint::p85, "p85"},
-                             Level{"95% date", &ForecastHistoryPoint::p95, "p95"}}) {
+  for (const Level& level :
+       {Level{"50% date", &ForecastHistoryPoint::p50, "p50"}, Level{"85% date", &ForecastHistoryPoint::p85, "p85"},
+        Level{"95% date", &ForecastHistoryPoint::p95, "p95"}}) {
     const auto points = line(view, level.line);
     QCOMPARE(points.size(), history.size());
     for (std::size_t i = 0; i < history.size(); ++i) {
       QCOMPARE(points[i].first, static_cast<qint64>(history[i].runAt.secondsSince1970 * 1000));
       QCOMPARE(points[i].second, qDate(history[i].*level.date));
-      QCOMPARE(points[i].second, qDate(*CivilDate::fromIso(
-                                     cliHistory[static_cast<int>(i)].toObject()[level.key].toString().toStdString())));
+      QCOMPARE(
+          points[i].second,
+          qDate(*CivilDate::fromIso(cliHistory[static_cast<int>(i)].toObject()[level.key].toString().toStdString())));
     }
   }
   const auto committed = line(view, "Committed date");

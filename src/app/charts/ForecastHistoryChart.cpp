@@ -130,8 +130,9 @@ void ForecastHistoryChart::showHistory(const std::vector<ForecastHistoryPoint>& 
         QToolTip::hideText();
         return;
       }
-      QToolTip::showText(QCursor::pos(), QStringLiteral("Run on %1: %2 %3")
-                                             .arg(dayLabel(point.x()), name.toLower(), dayLabel(point.y())));
+      QToolTip::showText(
+          QCursor::pos(),
+          QStringLiteral("Run on %1: %2 %3").arg(dayLabel(point.x()), name.toLower(), dayLabel(point.y())));
     });
   }
 }

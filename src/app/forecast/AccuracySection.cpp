@@ -145,7 +145,8 @@ void AccuracySection::showByDate(const AccuracyReport& report) {
     byDate_->setItem(r, 7, numberCell(QString::number(o.actual)));
     QStringList reached;
     for (const int level : o.levelsReached()) reached << QString::number(level) + QLatin1Char('%');
-    byDate_->setItem(r, 8, textCell(reached.isEmpty() ? QStringLiteral("no level") : reached.join(QStringLiteral(", "))));
+    byDate_->setItem(r, 8,
+                     textCell(reached.isEmpty() ? QStringLiteral("no level") : reached.join(QStringLiteral(", "))));
   }
   showCalibration(byDateCalibration_, report.byDateCalibration);
 }

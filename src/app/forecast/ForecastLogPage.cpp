@@ -57,12 +57,12 @@ ForecastLogPage::ForecastLogPage(AppContext& context, QWidget* parent) : QWidget
                                   "forecast on screen here, with a note, to compare and judge it later."),
                    page);
   column->addWidget(logEmpty_);
-  log_ = forecastTable(QStringLiteral("forecastLog"),
-                       {QStringLiteral("Run on"), QStringLiteral("Kind"), QStringLiteral("Backlog"),
-                        QStringLiteral("What-if"), QStringLiteral("50%"), QStringLiteral("70%"), QStringLiteral("85%"),
-                        QStringLiteral("95%"), QStringLiteral("Target"), QStringLiteral("Commitment"),
-                        QStringLiteral("Chance"), QStringLiteral("Note")},
-                       page);
+  log_ = forecastTable(
+      QStringLiteral("forecastLog"),
+      {QStringLiteral("Run on"), QStringLiteral("Kind"), QStringLiteral("Backlog"), QStringLiteral("What-if"),
+       QStringLiteral("50%"), QStringLiteral("70%"), QStringLiteral("85%"), QStringLiteral("95%"),
+       QStringLiteral("Target"), QStringLiteral("Commitment"), QStringLiteral("Chance"), QStringLiteral("Note")},
+      page);
   log_->horizontalHeaderItem(chance)->setToolTip(
       QStringLiteral("When: the chance of finishing by the committed date. "
                      "By date: the chance that the whole backlog is done by the target."));
@@ -169,8 +169,9 @@ void ForecastLogPage::showLog(const ProjectSnapshot& project) {
     log_->setItem(r, note, noteCell);
     if (record.inconclusive) {
       for (int c = p50; c <= p95; ++c)
-        log_->item(r, c)->setToolTip(QStringLiteral("Inconclusive: some simulations did not finish in time; the "
-                                                    "later levels are only lower bounds."));
+        log_->item(r, c)->setToolTip(
+            QStringLiteral("Inconclusive: some simulations did not finish in time; the "
+                           "later levels are only lower bounds."));
     }
     if (keep && record.id == *keep) reselect = r;
   }

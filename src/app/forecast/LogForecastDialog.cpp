@@ -39,8 +39,7 @@ QString summary(const ShownForecast& forecast) {
 
 }  // namespace
 
-LogForecastDialog::LogForecastDialog(AppContext& context, const Uuid& project, ShownForecast forecast,
-                                     QWidget* parent)
+LogForecastDialog::LogForecastDialog(AppContext& context, const Uuid& project, ShownForecast forecast, QWidget* parent)
     : QDialog(parent, Qt::Sheet), context_(context), project_(project), forecast_(std::move(forecast)) {
   setObjectName(QStringLiteral("logForecastDialog"));
   setWindowTitle(QStringLiteral("Log this forecast"));
