@@ -15,6 +15,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
+#include <QTabWidget>
 #include <QTimer>
 #include <fstream>
 #include <iostream>
@@ -40,6 +41,8 @@
 #include "app/TicketOpener.h"
 #include "app/WipLimitField.h"
 #include "app/forecast/ForecastView.h"
+#include "app/forecast/LogForecastDialog.h"
+#include "core/forecast/ForecastService.h"
 
 namespace orvane::app {
 
@@ -91,6 +94,58 @@ bool ScreenshotTour::saveScreen(const QString& name) {
   return saved;
 }
 
+void ScreenshotTour::logForecasts(ForecastView& forecast, const Uuid& project) {
+  // A committed date four weeks out, and a run logged two weeks ago, so the
+  // history has lines to draw, the promise among them.
+  ForecastService service(context_.store());
+  const Timestamp earlier{context_.now().secondsSince1970 - 14 * 86400.0};
+  const CivilDate today = ForecastService::todayUTC(context_.now());
+  try {
+    service.setCommitment(project, CivilDate::fromDaysSinceEpoch(today.daysSinceEpoch() + 28).utcMidnight());
+    service.log(service.input(project, ForecastService::todayUTC(earlier)).runWhen(), project,
+                "Before the scope review", earlier);
+  } catch (const std::exception& error) {
+    std::cerr << "Could not log a forecast: " << error.what() << '\n';
+    ++failures_;
+  }
+  context_.notifyStoreChanged();
+  awaitForecast(forecast);
+  // Today's "When" and "By date" forecasts, logged through the sheet.
+  struct Logged {
+    const char* button;
+    const char* note;
+    const char* shot;
+  };
+  for (const Logged& logged : {Logged{"logWhen", "After the scope review", "07-forecast-log-sheet"},
+                               Logged{"logByDate", "For the April demo", nullptr}}) {
+    auto* button = forecast.findChild<QPushButton*>(QString::fromLatin1(logged.button));
+    if (button == nullptr || !button->isEnabled()) continue;
+    button->click();
+    // The sheet just opened: a closed one may wait for deletion still.
+    LogForecastDialog* sheet = nullptr;
+    for (auto* open : forecast.findChildren<LogForecastDialog*>())
+      if (open->isVisible()) sheet = open;
+    if (sheet == nullptr) continue;
+    sheet->noteField()->setText(QString::fromLatin1(logged.note));
+    if (logged.shot != nullptr) save(sheet, QString::fromLatin1(logged.shot));
+    sheet->log();
+    settle();
+    awaitForecast(forecast);
+  }
+  auto* tabs = forecast.findChild<QTabWidget*>(QStringLiteral("forecastTabs"));
+  if (tabs == nullptr) return;
+  tabs->setCurrentIndex(1);
+  save(&window_, QStringLiteral("07-forecast-log-and-accuracy"));
+  if (auto* scroll = tabs->widget(1)->findChild<QScrollArea*>()) {
+    settle();
+    if (auto* accuracy = scroll->findChild<QWidget*>(QStringLiteral("accuracySection")))
+      scroll->ensureWidgetVisible(accuracy, 0, 0);
+    save(&window_, QStringLiteral("07-forecast-accuracy"));
+    scroll->verticalScrollBar()->setValue(0);
+  }
+  tabs->setCurrentIndex(0);
+}
+
 int ScreenshotTour::run() {
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);
@@ -125,8 +180,11 @@ int ScreenshotTour::run() {
     awaitForecast(*forecast);
     // How many by a date, then a day the service refuses, then the
     // throughput history with its weekly estimate, scrolled into sight.
-    auto* scroll = forecast->findChild<QScrollArea*>();
     auto* byDate = forecast->findChild<QWidget*>(QStringLiteral("byDateSection"));
+    // The forecast page's own scroll area: the log page has another.
+    QScrollArea* scroll = nullptr;
+    for (QWidget* up = byDate; up != nullptr && scroll == nullptr; up = up->parentWidget())
+      scroll = qobject_cast<QScrollArea*>(up);
     auto* day = forecast->findChild<QDateEdit*>(QStringLiteral("byDateDay"));
     if (scroll != nullptr && byDate != nullptr && day != nullptr) {
       settle();
@@ -155,6 +213,7 @@ int ScreenshotTour::run() {
       scope->setCurrentIndex(0);
       awaitForecast(*forecast);
     }
+    if (project) logForecasts(*forecast, *project);
   }
 
   window_.setViewMode(ProjectViewMode::board);

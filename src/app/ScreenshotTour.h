@@ -3,16 +3,20 @@
 #include <QObject>
 #include <filesystem>
 
+#include "core/model/Uuid.h"
+
 class QWidget;
 
 namespace orvane::app {
 
 class AppContext;
+class ForecastView;
 class MainWindow;
 
 // Walks the window through every screen and saves a PNG of each into one
 // folder, so all of them can be looked at in one go: the empty state, the
-// nine views of the first project, the filtered board, a selection of cards
+// nine views of the first project, the forecast log and its accuracy, the
+// filtered board, a selection of cards
 // with the card menu over it, and the sheets.
 class ScreenshotTour : public QObject {
   Q_OBJECT
@@ -26,6 +30,9 @@ class ScreenshotTour : public QObject {
  private:
   bool save(QWidget* widget, const QString& name);
   bool saveScreen(const QString& name);
+  // Logs forecasts of `project` (one two weeks back, two today through the
+  // sheet) and saves the log and accuracy page.
+  void logForecasts(ForecastView& forecast, const Uuid& project);
 
   AppContext& context_;
   MainWindow& window_;

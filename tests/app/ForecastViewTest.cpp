@@ -6,29 +6,37 @@
 #include <QChart>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QDateTime>
+#include <QDateTimeAxis>
 #include <QDoubleSpinBox>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
-#include <QProcess>
 #include <QLineEdit>
+#include <QLineSeries>
+#include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
 #include <QStackedBarSeries>
+#include <QTableWidget>
 #include <QTest>
 
 #include "app/AppFixture.h"
 #include "app/UndoHistory.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/forecast/BacktestDialog.h"
+#include "app/charts/ForecastHistoryChart.h"
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/ForecastView.h"
+#include "app/forecast/LogForecastDialog.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/forecast/ForecastService.h"
 #include "core/model/Project.h"
+#include "engine/ForecastResult.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -82,6 +90,10 @@ class ForecastViewTest : public QObject {
   // The copied script, run by the system's NumPy, prints the view's levels.
   void copiedScriptRebuildsTheForecastOnScreen();
   void backtestEqualsTheCommandLineAndRefusesFutureDays();
+  // The log and accuracy page.
+  void logsTheForecastOnScreenAsOneUndoableStep();
+  void logPageEqualsTheCommandLine();
+  void notesAreEditedInPlaceAndRunsDeletedAfterConfirmation();
 };
 
 void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
@@ -260,14 +272,18 @@ namespace {
 
 // The JSON the real command line prints for `arguments`, on the same store
 // and day as the fixture's window.
-QJsonObject cliForecast(AppFixture& f, const QStringList& arguments) {
+QJsonDocument cliJson(AppFixture& f, const QStringList& arguments) {
   QProcess cli;
   const QStringList common{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
-                           "2026-03-04T10:00:00Z", "forecast"};
+                           "2026-03-04T10:00:00Z"};
   cli.start(QStringLiteral(ORVANE_CLI), common + arguments + QStringList{"--json"});
   if (!cli.waitForFinished(30000) || cli.exitCode() != 0)
     qFatal("orvane-cli %s failed: %s", qPrintable(arguments.join(' ')), cli.readAllStandardError().constData());
-  return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+  return QJsonDocument::fromJson(cli.readAllStandardOutput());
+}
+
+QJsonObject cliForecast(AppFixture& f, const QStringList& arguments) {
+  return cliJson(f, QStringList{"forecast"} + arguments).object();
 }
 
 QString dayText(const QJsonValue& iso) {
@@ -528,6 +544,361 @@ void ForecastViewTest::historyIsColouredByProvenanceAndTheEstimateIsStored() {
   settle(view);
   QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::nullopt);
   expectHistory(ProvenanceTier::systemDefault);
+}
+
+// ---- Log and accuracy --------------------------------------------------------
+
+namespace {
+
+QTableWidget* table(ForecastView& view, const char* name) {
+  auto* found = view.findChild<QTableWidget*>(name);
+  if (found == nullptr) qFatal("no table %s", name);
+  return found;
+}
+
+QString cell(QTableWidget* table, int row, const QString& header) {
+  for (int c = 0; c < table->columnCount(); ++c) {
+    if (table->horizontalHeaderItem(c)->text() != header) continue;
+    const QTableWidgetItem* item = table->item(row, c);
+    return item != nullptr ? item->text() : QString();
+  }
+  qFatal("no column %s in %s", qPrintable(header), qPrintable(table->objectName()));
+}
+
+bool shown(ForecastView& view, const char* name) { return !view.findChild<QWidget*>(name)->isHidden(); }
+
+QDate qDate(const CivilDate& day) {
+  return {static_cast<int>(day.year), static_cast<int>(day.month), static_cast<int>(day.day)};
+}
+
+// Presses the log button `button`, types `note` in the sheet and logs.
+void logFromView(ForecastView& view, const char* button, const QString& note) {
+  settle(view);
+  auto* press = view.findChild<QPushButton*>(button);
+  QVERIFY2(press->isEnabled() && !press->isHidden(), button);
+  press->click();
+  auto* sheet = view.findChild<LogForecastDialog*>();
+  QVERIFY(sheet != nullptr);
+  sheet->noteField()->setText(note);
+  sheet->findChild<QPushButton*>("log")->click();
+  QTRY_VERIFY(view.findChild<LogForecastDialog*>() == nullptr);
+}
+
+// The points of the history chart's line `name`, as (run instant, finish day).
+std::vector<std::pair<qint64, QDate>> line(ForecastView& view, const QString& name) {
+  std::vector<std::pair<qint64, QDate>> points;
+  for (QAbstractSeries* series : view.findChild<ForecastHistoryChart*>()->chart()->series()) {
+    if (series->name() != name) continue;
+    for (const QPointF& p : qobject_cast<QLineSeries*>(series)->points())
+      points.emplace_back(static_cast<qint64>(p.x()),
+                          QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(p.y())).date());
+  }
+  return points;
+}
+
+}  // namespace
+
+void ForecastViewTest::logsTheForecastOnScreenAsOneUndoableStep() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const CivilDate today = ForecastService::todayUTC(f.clock);
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  QVERIFY(shown(view, "forecastLogEmpty") && !shown(view, "forecastLog"));
+  QVERIFY(shown(view, "forecastHistoryEmpty") && !shown(view, "forecastHistoryChart"));
+
+  // A run under way has no numbers to log yet.
+  auto* logWhen = view.findChild<QPushButton*>("logWhen");
+  view.findChild<QSlider*>("throughputChange")->setValue(30);
+  view.findChild<QSpinBox*>("backlogChange")->setValue(4);
+  QVERIFY(view.isComputing());
+  QVERIFY(!logWhen->isEnabled());
+  settle(view);
+
+  // Cancel logs nothing.
+  logWhen->click();
+  view.findChild<LogForecastDialog*>()->reject();
+  QTRY_VERIFY(view.findChild<LogForecastDialog*>() == nullptr);
+  QVERIFY(f.snapshot(demo).forecasts.empty());
+
+  // The numbers on screen are logged: the what-if and backlog change applied.
+  logFromView(view, "logWhen", "  After the scope review \n");
+  const WhenForecast when = service.input(demo, today, 30, std::nullopt, 4).runWhen();
+  std::vector<ForecastRecord> logged = f.snapshot(demo).forecasts;
+  QCOMPARE(logged.size(), std::size_t{1});
+  QCOMPARE(logged[0].kind(), ForecastKind::when);
+  QCOMPARE(logged[0].note, std::string("After the scope review"));
+  QCOMPARE(logged[0].whatIfPercent, 30.0);
+  QCOMPARE(logged[0].backlog, when.backlog);
+  QCOMPARE(logged[0].runAt, f.clock);
+  for (std::size_t i = 0; i < 4; ++i)
+    QCOMPARE(logged[0].resultDays.at(i), when.dates.at(confidenceLevels[i]).description());
+  QCOMPARE(f.context->undoHistory().undoLabel(), QString("Log forecast"));
+
+  // How many by a date, for the day picked, with the same what-if.
+  const CivilDate target = CivilDate::fromDaysSinceEpoch(today.daysSinceEpoch() + 35);
+  view.findChild<QDateEdit*>("byDateDay")->setDate(qDate(target));
+  QVERIFY(!view.findChild<QPushButton*>("logByDate")->isEnabled());
+  logFromView(view, "logByDate", "");
+  const ByDateForecast byDate = service.input(demo, today, 30, target, 4).runByDate();
+  logged = f.snapshot(demo).forecasts;
+  QCOMPARE(logged.size(), std::size_t{2});
+  QCOMPARE(logged[1].kind(), ForecastKind::byDate);
+  QCOMPARE(logged[1].targetDay, std::optional(target.description()));
+  for (std::size_t i = 0; i < 4; ++i) QCOMPARE(logged[1].resultCounts.at(i), byDate.counts.at(confidenceLevels[i]));
+  QCOMPARE(logged[1].confidencePct, std::optional(byDate.backlogDonePct));
+
+  view.reloadNow();
+  settle(view);
+  QCOMPARE(table(view, "forecastLog")->rowCount(), 2);
+  QCOMPARE(cell(table(view, "forecastLog"), 0, "Kind"), QString("When"));
+  QCOMPARE(cell(table(view, "forecastLog"), 1, "Kind"), QString("By date"));
+  QCOMPARE(line(view, "85% date").size(), std::size_t{1});
+
+  // A refused day and an epic's scope have nothing to log.
+  view.findChild<QDateEdit*>("byDateDay")->setDate(qDate(today));
+  settle(view);
+  QVERIFY(!view.findChild<QPushButton*>("logByDate")->isEnabled());
+  auto* scope = view.findChild<QComboBox*>("forecastScope");
+  scope->setCurrentIndex(1);
+  settle(view);
+  QVERIFY(logWhen->isHidden());
+  scope->setCurrentIndex(0);
+  settle(view);
+  QVERIFY(!logWhen->isHidden() && logWhen->isEnabled());
+
+  // Each log is one step back.
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(demo).forecasts.size(), std::size_t{1});
+  f.context->undo(nullptr);
+  QVERIFY(f.snapshot(demo).forecasts.empty());
+  view.reloadNow();
+  settle(view);
+  QVERIFY(shown(view, "forecastLogEmpty") && !shown(view, "forecastLog"));
+}
+
+void ForecastViewTest::logPageEqualsTheCommandLine() {
+  AppFixture f;
+  const Timestamp now = f.clock;
+  const auto daysAgo = [&](double days) { return Timestamp{now.secondsSince1970 - days * 86400}; };
+  BoardService& board = f.board();
+  const Uuid project = board.createProject("Judged", std::string_view("JDG"), daysAgo(70)).id;
+  const ProjectSnapshot fresh = f.snapshot(project);
+  const auto done = std::find_if(fresh.columns.begin(), fresh.columns.end(),
+                                 [](const BoardColumn& c) { return c.effectiveType() == ColumnType::done; });
+  std::vector<Uuid> tickets;
+  for (int n = 0; n < 10; ++n)
+    tickets.push_back(board.createTicket(project, NewTicket{.title = "Ticket " + std::to_string(n)}, daysAgo(70)).id);
+  const double finishedBefore[] = {63, 60, 56, 52, 49, 45};
+  for (std::size_t n = 0; n < 6; ++n) board.moveTicket(tickets[n], done->id, std::nullopt, daysAgo(finishedBefore[n]));
+  ForecastService(f.t.store).setCommitment(project, daysAgo(20));
+
+  ForecastView view(*f.context, nullptr);
+  view.showProject(project);
+  auto* day = view.findChild<QDateEdit*>("byDateDay");
+  // Six weeks ago: a "When" and a two-week "By date" run over the four open.
+  f.clock = daysAgo(42);
+  view.reloadNow();
+  logFromView(view, "logWhen", "First look");
+  day->setDate(qDate(CivilDate::fromDaysSinceEpoch(ForecastService::todayUTC(f.clock).daysSinceEpoch() + 14)));
+  logFromView(view, "logByDate", "Two weeks out");
+  // The four are finished, two more come in; two weeks ago, at +20% and
+  // without a committed date, two more runs.
+  const double finishedAfter[] = {38, 36, 33, 31};
+  for (std::size_t n = 0; n < 4; ++n)
+    board.moveTicket(tickets[6 + n], done->id, std::nullopt, daysAgo(finishedAfter[n]));
+  for (const char* title : {"Late one", "Late two"})
+    board.createTicket(project, NewTicket{.title = title}, daysAgo(20));
+  ForecastService(f.t.store).setCommitment(project, std::nullopt);
+  f.clock = daysAgo(14);
+  view.reloadNow();
+  view.findChild<QSlider*>("throughputChange")->setValue(20);
+  logFromView(view, "logWhen", "");
+  day->setDate(qDate(CivilDate::fromDaysSinceEpoch(ForecastService::todayUTC(now).daysSinceEpoch() + 7)));
+  logFromView(view, "logByDate", "");
+  f.clock = now;
+  view.reloadNow();
+  settle(view);
+
+  // The log, row for row, as `orvane-cli forecast log --json` lists it.
+  const QJsonArray records = cliJson(f, {"forecast", "log", "JDG"}).array();
+  QCOMPARE(records.size(), 4);
+  QTableWidget* log = table(view, "forecastLog");
+  QCOMPARE(log->rowCount(), 4);
+  for (int r = 0; r < records.size(); ++r) {
+    const QJsonObject record = records[r].toObject();
+    const bool byDate = record["kind"].toString() == "by_date";
+    QCOMPARE(cell(log, r, "Run on"), dayText(record["asOfDay"]));
+    QCOMPARE(cell(log, r, "Kind"), byDate ? QString("By date") : QString("When"));
+    QCOMPARE(cell(log, r, "Backlog"), QString::number(record["backlog"].toInteger()));
+    const double whatIf = record["whatIfPercent"].toDouble();
+    QCOMPARE(cell(log, r, "What-if"), (whatIf > 0 ? "+" : "") + QString::number(whatIf) + '%');
+    const QJsonArray results = record[byDate ? "resultCounts" : "resultDays"].toArray();
+    QCOMPARE(results.size(), 4);
+    for (int i = 0; i < 4; ++i) {
+      const QString level = QString::number(confidenceLevels[static_cast<std::size_t>(i)]) + '%';
+      QCOMPARE(cell(log, r, level), byDate ? QString::number(results[i].toInteger()) : dayText(results[i]));
+    }
+    QCOMPARE(cell(log, r, "Target"), byDate ? dayText(record["targetDay"]) : QString());
+    QCOMPARE(cell(log, r, "Commitment"),
+             record["commitmentDay"].isString() ? dayText(record["commitmentDay"]) : QString());
+    QCOMPARE(cell(log, r, "Chance"), record["confidencePct"].isDouble()
+                                         ? QString::number(record["confidencePct"].toDouble(), 'f', 1) + '%'
+                                         : QString());
+    QCOMPARE(cell(log, r, "Note"), record["note"].toString());
+  }
+
+  // The accuracy tables as `orvane-cli accuracy --json` judges them today.
+  const QJsonObject accuracy = cliJson(f, {"accuracy", "JDG"}).object();
+  const QJsonArray whenOutcomes = accuracy["whenOutcomes"].toArray();
+  QTableWidget* when = table(view, "whenOutcomes");
+  QCOMPARE(when->rowCount(), whenOutcomes.size());
+  QCOMPARE(whenOutcomes.size(), 2);
+  // The first is judged, the second still open: both kinds of row are shown.
+  QVERIFY(whenOutcomes[0].toObject()["verdict"].toObject()["isFinished"].toBool());
+  QVERIFY(!whenOutcomes[1].toObject()["verdict"].toObject()["isFinished"].toBool());
+  for (int r = 0; r < whenOutcomes.size(); ++r) {
+    const QJsonObject o = whenOutcomes[r].toObject();
+    QCOMPARE(cell(when, r, "Run on"), dayText(o["asOf"]));
+    const QJsonArray dates = o["dates"].toArray();
+    for (int i = 0; i < 4; ++i)
+      QCOMPARE(cell(when, r, QString::number(confidenceLevels[static_cast<std::size_t>(i)]) + '%'), dayText(dates[i]));
+    QCOMPARE(cell(when, r, "Backlog then"), QString::number(o["backlogThen"].toInteger()));
+    QCOMPARE(cell(when, r, "Added since"), QString::number(o["addedSince"].toInteger()));
+    QCOMPARE(cell(when, r, "Finished on"), o["finishedOn"].isString() ? dayText(o["finishedOn"]) : QString());
+    QCOMPARE(cell(when, r, "Verdict"), o["verdict"].toObject()["label"].toString());
+  }
+  const QJsonArray byDateOutcomes = accuracy["byDateOutcomes"].toArray();
+  QTableWidget* byDate = table(view, "byDateOutcomes");
+  // Only the run whose day has passed is judged.
+  QCOMPARE(byDateOutcomes.size(), 1);
+  QCOMPARE(byDate->rowCount(), 1);
+  const QJsonObject judged = byDateOutcomes[0].toObject();
+  QCOMPARE(cell(byDate, 0, "Target"), dayText(judged["target"]));
+  QCOMPARE(cell(byDate, 0, "Weeks"), QString::number(judged["wholeWeeks"].toInteger()));
+  for (int i = 0; i < 4; ++i)
+    QCOMPARE(cell(byDate, 0, QString::number(confidenceLevels[static_cast<std::size_t>(i)]) + '%'),
+             QString::number(judged["counts"].toArray()[i].toInteger()));
+  QCOMPARE(cell(byDate, 0, "Done"), QString::number(judged["actual"].toInteger()));
+  QStringList reached;
+  for (const QJsonValue level : judged["levelsReached"].toArray()) reached << QString::number(level.toInt()) + '%';
+  QCOMPARE(cell(byDate, 0, "Levels reached"), reached.isEmpty() ? QString("no level") : reached.join(", "));
+  for (const char* kind : {"whenCalibration", "byDateCalibration"}) {
+    const QJsonArray rows = accuracy[kind].toArray();
+    QTableWidget* calibration = table(view, kind);
+    QCOMPARE(calibration->rowCount(), rows.size());
+    for (int r = 0; r < rows.size(); ++r) {
+      const QJsonObject row = rows[r].toObject();
+      const qint64 total = row["total"].toInteger();
+      QVERIFY(total > 0);
+      QCOMPARE(cell(calibration, r, "Level"), QString::number(row["level"].toInt()) + '%');
+      QCOMPARE(cell(calibration, r, "Hits"), QString::number(row["hits"].toInteger()));
+      QCOMPARE(cell(calibration, r, "Judged"), QString::number(total));
+      QCOMPARE(cell(calibration, r, "Hit rate"), QString::number(row["hitPct"].toDouble(), 'f', 1) + '%');
+      const double off = row["hitPct"].toDouble() - row["level"].toDouble();
+      QCOMPARE(cell(calibration, r, "Against the level"),
+               off == 0 ? QString("on the level")
+                        : QString::number(std::fabs(off), 'f', 1) + (off > 0 ? " points above" : " points below"));
+    }
+  }
+
+  // The chart: one point per logged "When" run on each level's line, the
+  // committed date only for the run that had one.
+  const std::vector<ForecastHistoryPoint> history = forecastHistory(f.snapshot(project));
+  const QJsonArray cliHistory = accuracy["history"].toArray();
+  QCOMPARE(history.size(), std::size_t{2});
+  QCOMPARE(cliHistory.size(), 2);
+  struct Level {
+    QString line;
+    CivilDate ForecastHistoryPoint::*date;
+    const char* key;
+  };
+  for (const Level& level :
+       {Level{"50% date", &ForecastHistoryPoint::p50, "p50"}, Level{"85% date", &ForecastHistoryPoint::p85, "p85"},
+        Level{"95% date", &ForecastHistoryPoint::p95, "p95"}}) {
+    const auto points = line(view, level.line);
+    QCOMPARE(points.size(), history.size());
+    for (std::size_t i = 0; i < history.size(); ++i) {
+      QCOMPARE(points[i].first, static_cast<qint64>(history[i].runAt.secondsSince1970 * 1000));
+      QCOMPARE(points[i].second, qDate(history[i].*level.date));
+      QCOMPARE(
+          points[i].second,
+          qDate(*CivilDate::fromIso(cliHistory[static_cast<int>(i)].toObject()[level.key].toString().toStdString())));
+    }
+  }
+  const auto committed = line(view, "Committed date");
+  QCOMPARE(committed.size(), std::size_t{1});
+  QCOMPARE(committed[0].second, qDate(*history[0].commitment));
+  QVERIFY(!history[1].commitment.has_value());
+  auto* axes = view.findChild<ForecastHistoryChart*>()->chart();
+  QCOMPARE(axes->axes(Qt::Horizontal).value(0)->titleText(), QString("Forecast run on"));
+  QCOMPARE(axes->axes(Qt::Vertical).value(0)->titleText(), QString("Finish date"));
+}
+
+void ForecastViewTest::notesAreEditedInPlaceAndRunsDeletedAfterConfirmation() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  ForecastService service(f.t.store);
+  const Timestamp weekAgo = orvane::testing::at(2026, 2, 25, 10);
+  const ForecastRecord older =
+      service.log(service.input(demo, ForecastService::todayUTC(weekAgo)).runWhen(), demo, "", weekAgo);
+  const ForecastRecord newer =
+      service.log(service.input(demo, ForecastService::todayUTC(f.clock)).runWhen(), demo, "Kick-off", f.clock);
+  ForecastView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.reloadNow();
+  settle(view);
+  QTableWidget* log = table(view, "forecastLog");
+  auto* editNote = view.findChild<QPushButton*>("editForecastNote");
+  auto* remove = view.findChild<QPushButton*>("deleteForecast");
+  QVERIFY(!editNote->isEnabled() && !remove->isEnabled());
+  const auto noteOf = [&](const Uuid& id) {
+    for (const ForecastRecord& r : f.snapshot(demo).forecasts)
+      if (r.id == id) return r.note;
+    return std::string("(deleted)");
+  };
+
+  // Edited in place, stored trimmed, one step back.
+  log->selectRow(0);
+  QVERIFY(editNote->isEnabled() && remove->isEnabled());
+  int noteColumn = 0;
+  while (log->horizontalHeaderItem(noteColumn)->text() != "Note") ++noteColumn;
+  QVERIFY(log->item(0, noteColumn)->flags().testFlag(Qt::ItemIsEditable));
+  QVERIFY(!log->item(0, 0)->flags().testFlag(Qt::ItemIsEditable));
+  log->item(0, noteColumn)->setText("  Scope cut agreed ");
+  QTRY_COMPARE(noteOf(older.id), std::string("Scope cut agreed"));
+  QCOMPARE(f.context->undoHistory().undoLabel(), QString("Edit forecast note"));
+  f.context->undo(nullptr);
+  QCOMPARE(noteOf(older.id), std::string());
+
+  // Delete asks first; Cancel keeps the run, Delete removes it, undo
+  // brings it back.
+  view.reloadNow();
+  log->selectRow(1);
+  const auto pressDelete = [&](bool confirmIt) {
+    remove->click();
+    auto* box = view.findChild<QMessageBox*>("confirmDeleteForecast");
+    QVERIFY(box != nullptr);
+    if (confirmIt) {
+      box->findChild<QPushButton*>("confirm")->click();
+    } else {
+      box->button(QMessageBox::Cancel)->click();
+    }
+    QTRY_VERIFY(view.findChild<QMessageBox*>("confirmDeleteForecast") == nullptr);
+  };
+  pressDelete(false);
+  QCOMPARE(f.snapshot(demo).forecasts.size(), std::size_t{2});
+  pressDelete(true);
+  QCOMPARE(noteOf(newer.id), std::string("(deleted)"));
+  QCOMPARE(noteOf(older.id), std::string());
+  f.context->undo(nullptr);
+  QCOMPARE(noteOf(newer.id), std::string("Kick-off"));
+  view.reloadNow();
+  QCOMPARE(log->rowCount(), 2);
+  QCOMPARE(cell(log, 1, "Note"), QString("Kick-off"));
 }
 
 QTEST_MAIN(ForecastViewTest)

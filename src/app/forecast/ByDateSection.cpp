@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <exception>
@@ -93,6 +94,16 @@ ByDateSection::ByDateSection(QWidget* parent) : QWidget(parent) {
   backlogDone_->setObjectName(QStringLiteral("byDateBacklogDone"));
   backlogDone_->setWordWrap(true);
   column->addWidget(backlogDone_);
+  auto* logRow = new QHBoxLayout;
+  log_ = new QPushButton(QStringLiteral("Log this forecast…"), this);
+  log_->setObjectName(QStringLiteral("logByDate"));
+  log_->setEnabled(false);
+  logRow->addWidget(log_);
+  logRow->addStretch(1);
+  column->addLayout(logRow);
+  connect(log_, &QPushButton::clicked, this, [this] {
+    if (shown_ && !runs_.busy()) emit logRequested();
+  });
 }
 
 CivilDate ByDateSection::target() const {
@@ -129,6 +140,13 @@ void ByDateSection::run(ForecastInput input) {
         }
         emit shown();
       });
+  // Until the new counts arrive, the ones on screen are not this input's.
+  log_->setEnabled(false);
+}
+
+void ByDateSection::cancelRun() {
+  runs_.skip();
+  log_->setEnabled(false);
 }
 
 void ByDateSection::showRun(CivilDate day, const ByDateForecast& forecast) {
@@ -140,6 +158,8 @@ void ByDateSection::showRefusal(CivilDate day, const QString& sentence) {
 }
 
 void ByDateSection::showProblem(const QString& sentence) {
+  shown_.reset();
+  log_->setEnabled(false);
   problem_->setText(sentence);
   results_->setVisible(false);
   weeks_->clear();
@@ -147,6 +167,8 @@ void ByDateSection::showProblem(const QString& sentence) {
 }
 
 void ByDateSection::showResult(const ByDateForecast& forecast) {
+  shown_ = forecast;
+  log_->setEnabled(true);
   problem_->clear();
   results_->setVisible(true);
   for (const int level : levels) {

@@ -3,12 +3,14 @@
 #include <QDate>
 #include <QWidget>
 #include <cstdint>
+#include <optional>
 
 #include "app/LatestRun.h"
 #include "core/forecast/ForecastInput.h"
 
 class QDateEdit;
 class QLabel;
+class QPushButton;
 
 namespace orvane::app {
 
@@ -30,18 +32,23 @@ class ByDateSection : public QWidget {
   void run(ForecastInput input);
   bool isComputing() const { return runs_.busy(); }
   // Drops this section's own run under way: the owner has started one that
-  // gives the counts for the same day with its newer inputs.
-  void cancelRun() { runs_.skip(); }
+  // gives the counts for the same day with its newer inputs. Until they
+  // arrive, the counts on screen cannot be logged.
+  void cancelRun();
   // The owner's run for `day`: shown only while `day` is still the one
   // picked (a newer pick has its own run).
   void showRun(CivilDate day, const ByDateForecast& forecast);
   void showRefusal(CivilDate day, const QString& sentence);
+  // The counts on screen; none while a refusal is shown.
+  const std::optional<ByDateForecast>& shownForecast() const { return shown_; }
 
  signals:
   // The picked day changed: the owner hands in a fresh input.
   void targetChanged();
   // The counts, or the refusal, of the newest run are shown.
   void shown();
+  // "Log this forecast…" was pressed while shownForecast() holds counts.
+  void logRequested();
 
  private:
   void showResult(const ByDateForecast& forecast);
@@ -52,6 +59,8 @@ class ByDateSection : public QWidget {
   QLabel* weeks_ = nullptr;
   QWidget* results_ = nullptr;
   QLabel* backlogDone_ = nullptr;
+  QPushButton* log_ = nullptr;
+  std::optional<ByDateForecast> shown_;
   bool suggested_ = false;
   LatestRun runs_;
 };

@@ -17,6 +17,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QStackedWidget>
+#include <QTabWidget>
 #include <QVBoxLayout>
 #include <cmath>
 #include <exception>
@@ -28,6 +29,8 @@
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ByDateSection.h"
+#include "app/forecast/ForecastLogPage.h"
+#include "app/forecast/LogForecastDialog.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/accuracy/HistoryDepth.h"
 #include "core/forecast/ForecastService.h"
@@ -172,11 +175,25 @@ ForecastView::ForecastView(AppContext& context, QWidget* parent) : ProjectViewBa
   connect(estimate_, &QLineEdit::returnPressed, this, [this] { setEstimate(false); });
   connect(clearEstimateButton, &QPushButton::clicked, this, [this] { setEstimate(true); });
 
-  auto* layout = new QVBoxLayout(this);
+  auto* forecastTab = new QWidget(this);
+  auto* layout = new QVBoxLayout(forecastTab);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(scopeRow_);
   layout->addWidget(estimateRow_);
   layout->addWidget(pages_, 1);
+  logPage_ = new ForecastLogPage(context_, this);
+  tabs_ = new QTabWidget(this);
+  tabs_->setObjectName(QStringLiteral("forecastTabs"));
+  tabs_->setDocumentMode(true);
+  tabs_->addTab(forecastTab, QStringLiteral("Forecast"));
+  tabs_->addTab(logPage_, QStringLiteral("Log and accuracy"));
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->addWidget(tabs_);
+  connect(this, &ForecastView::forecastShown, this, &ForecastView::updateLogButton);
+  connect(byDate_, &ByDateSection::logRequested, this, [this] {
+    if (project() && byDate_->shownForecast()) askToLogForecast(context_, *project(), *byDate_->shownForecast(), this);
+  });
 }
 
 ForecastView::~ForecastView() = default;
@@ -294,8 +311,19 @@ QWidget* ForecastView::buildForecastPage() {
   narrative_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   column->addWidget(narrative_);
 
-  // Audit the numbers: rebuild them elsewhere, or see how a past forecast
-  // would have done.
+  // Keep this forecast, rebuild its numbers elsewhere, or see how a
+  // forecast of a past day would have done.
+  auto* logRow = new QHBoxLayout;
+  logWhen_ = new QPushButton(QStringLiteral("Log this forecast…"), page);
+  logWhen_->setObjectName(QStringLiteral("logWhen"));
+  logWhen_->setEnabled(false);
+  logRow->addWidget(logWhen_);
+  connect(logWhen_, &QPushButton::clicked, this, [this] {
+    if (project() && shownWhen_) askToLogForecast(context_, *project(), *shownWhen_, this);
+  });
+  logAction_ = new QAction(QStringLiteral("Log this forecast…"), this);
+  logAction_->setEnabled(false);
+  connect(logAction_, &QAction::triggered, logWhen_, &QPushButton::click);
   copyScript_ = new QAction(QStringLiteral("Copy reproduction script"), this);
   copyScript_->setObjectName(QStringLiteral("copyReproductionScript"));
   copyScript_->setToolTip(
@@ -306,19 +334,18 @@ QWidget* ForecastView::buildForecastPage() {
   backtest_->setObjectName(QStringLiteral("backtest"));
   backtest_->setEnabled(false);
   connect(backtest_, &QAction::triggered, this, [this] { openBacktest(); });
-  auto* auditRow = new QHBoxLayout;
   for (QAction* action : {copyScript_, backtest_}) {
     auto* button = new QToolButton(page);
     button->setDefaultAction(action);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    auditRow->addWidget(button);
+    logRow->addWidget(button);
   }
   copied_ = new QLabel(page);
   copied_->setObjectName(QStringLiteral("scriptCopied"));
-  auditRow->addSpacing(8);
-  auditRow->addWidget(copied_);
-  auditRow->addStretch(1);
-  column->addLayout(auditRow);
+  logRow->addSpacing(8);
+  logRow->addWidget(copied_);
+  logRow->addStretch(1);
+  column->addLayout(logRow);
 
   chart_ = new FinishWeeksChart(page);
   column->addWidget(chart_, 1);
@@ -339,6 +366,7 @@ QWidget* ForecastView::buildForecastPage() {
 }
 
 void ForecastView::showEmpty(const QString& text) {
+  shownWhen_.reset();
   empty_->setText(text);
   pages_->setCurrentIndex(0);
   shownInput_.reset();
@@ -350,6 +378,7 @@ void ForecastView::showEmpty(const QString& text) {
 
 void ForecastView::reload() {
   const auto snap = snapshot();
+  logPage_->showProject(snap.get(), context_.now());
   scopeRow_->setVisible(snap != nullptr);
   estimateRow_->setVisible(snap != nullptr);
   if (!snap) {
@@ -450,6 +479,7 @@ void ForecastView::recompute() {
         }
         emit forecastShown();
       });
+  updateLogButton();
 }
 
 void ForecastView::showForecast(const WhenForecast& forecast) {
@@ -473,6 +503,8 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
   copyScript_->setEnabled(shownInput_.has_value());
   backtest_->setEnabled(true);
   copied_->clear();
+  // Logged runs belong to the project: an epic's forecast is not logged.
+  shownWhen_ = epic != nullptr ? std::nullopt : std::optional(forecast);
   heading_->setText(epic != nullptr
                         ? QStringLiteral("When will the epic “%1” be done?").arg(QString::fromStdString(epic->name))
                         : QStringLiteral("When will it be done?"));
@@ -615,6 +647,12 @@ void ForecastView::setEstimate(bool clear) {
     return;
   }
   context_.notifyStoreChanged();
+}
+
+void ForecastView::updateLogButton() {
+  logWhen_->setVisible(chosenEpic() == nullptr);
+  logWhen_->setEnabled(shownWhen_.has_value() && !runs_.busy());
+  logAction_->setEnabled(logWhen_->isEnabled() && chosenEpic() == nullptr);
 }
 
 }  // namespace orvane::app

@@ -24,11 +24,13 @@ class QPushButton;
 class QSlider;
 class QSpinBox;
 class QStackedWidget;
+class QTabWidget;
 
 namespace orvane::app {
 
 class ByDateSection;
 class FinishWeeksChart;
+class ForecastLogPage;
 class ThroughputHistoryChart;
 
 // "When will it be done?" for the whole project or one epic (at a share of
@@ -37,6 +39,8 @@ class ThroughputHistoryChart;
 // sentences and the histogram of finish weeks. A what-if slider and a backlog
 // change re-run the forecast; inputs are read on this thread, the pure
 // simulation runs in the thread pool, and only the newest run is shown.
+// The forecast on screen can be logged; a second tab holds the log, the
+// history of the logged dates and their accuracy.
 class ForecastView : public ProjectViewBase {
   Q_OBJECT
 
@@ -51,7 +55,7 @@ class ForecastView : public ProjectViewBase {
   // each is enabled only while it can act.
   QAction* copyScriptAction() const { return copyScript_; }
   QAction* backtestAction() const { return backtest_; }
-  QList<QAction*> commands() const { return {copyScript_, backtest_}; }
+  QList<QAction*> commands() const { return {logAction_, copyScript_, backtest_}; }
   // Puts the script that rebuilds the forecast on screen on the clipboard.
   void copyReproductionScript();
   // Opens "How would this forecast have done?" for the project; returns it
@@ -81,6 +85,8 @@ class ForecastView : public ProjectViewBase {
   // The epic chosen as the scope; none for the whole project.
   const Epic* chosenEpic() const;
   QWidget* buildForecastPage();
+  // Logging takes the forecast on screen, once no newer run is under way.
+  void updateLogButton();
 
   QWidget* scopeRow_ = nullptr;
   QComboBox* scope_ = nullptr;
@@ -109,6 +115,7 @@ class ForecastView : public ProjectViewBase {
   QLabel* estimateProblem_ = nullptr;
   ThroughputHistoryChart* history_ = nullptr;
   QLabel* historyCaution_ = nullptr;
+  QAction* logAction_ = nullptr;
   QAction* copyScript_ = nullptr;
   QAction* backtest_ = nullptr;
   QLabel* copied_ = nullptr;
@@ -122,6 +129,12 @@ class ForecastView : public ProjectViewBase {
   std::optional<ForecastInput> shownInput_;
   Uuid projectInputOf_;
   LatestRun runs_;
+
+  QTabWidget* tabs_ = nullptr;
+  ForecastLogPage* logPage_ = nullptr;
+  QPushButton* logWhen_ = nullptr;
+  // The whole project's forecast on screen; none for an epic or no dates.
+  std::optional<WhenForecast> shownWhen_;
 };
 
 }  // namespace orvane::app
