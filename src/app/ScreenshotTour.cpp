@@ -40,6 +40,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/WipLimitField.h"
+#include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ForecastView.h"
 #include "app/forecast/LogForecastDialog.h"
 #include "core/forecast/ForecastService.h"
@@ -212,6 +213,12 @@ int ScreenshotTour::run() {
       save(&window_, QStringLiteral("07-forecast-epic"));
       scope->setCurrentIndex(0);
       awaitForecast(*forecast);
+    }
+    // How the forecast of six weeks ago would have done.
+    if (auto* backtest = qobject_cast<BacktestDialog*>(forecast->openBacktest())) {
+      backtest->backtest(ForecastService::todayUTC(context_.now()).addingDays(-42));
+      saveScreen(QStringLiteral("07-forecast-backtest"));
+      backtest->close();
     }
     if (project) logForecasts(*forecast, *project);
   }
