@@ -544,6 +544,15 @@ void ForecastViewTest::historyIsColouredByProvenanceAndTheEstimateIsStored() {
   settle(view);
   QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::nullopt);
   expectHistory(ProvenanceTier::systemDefault);
+
+  // Each change of the estimate is a step of Undo; refusals are none.
+  QCOMPARE(f.context->undoHistory().undoLabel(), QString("Use the default weekly estimate"));
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::optional(0.0));
+  f.context->undo(nullptr);
+  f.context->undo(nullptr);
+  QCOMPARE(f.snapshot(fresh).project.fillerLambda, std::nullopt);
+  QVERIFY(!f.context->undoHistory().canUndo());
 }
 
 // ---- Log and accuracy --------------------------------------------------------

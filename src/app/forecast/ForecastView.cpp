@@ -632,21 +632,23 @@ void ForecastView::runByDate() {
 void ForecastView::setEstimate(bool clear) {
   if (!project()) return;
   estimateProblem_->clear();
+  std::optional<double> weekly;
   try {
-    std::optional<double> weekly;
     if (!clear) {
       bool ok = false;
       const double value = estimate_->text().trimmed().toDouble(&ok);
       if (!ok) throw ForecastServiceError(ForecastServiceError::Case::invalidEstimate);
       weekly = value;
     }
-    ForecastService(context_.store()).setColdStartEstimate(*project(), weekly);
+    ForecastService::checkEstimate(weekly);
   } catch (const std::exception& error) {
     // The refusal stays beside the field; nothing was stored.
     estimateProblem_->setText(QString::fromStdString(error.what()));
     return;
   }
-  context_.notifyStoreChanged();
+  context_.perform(clear ? QStringLiteral("Use the default weekly estimate") : QStringLiteral("Set weekly estimate"),
+                   [&](BoardService&) { ForecastService(context_.store()).setColdStartEstimate(*project(), weekly); },
+                   this);
 }
 
 void ForecastView::updateLogButton() {

@@ -155,11 +155,15 @@ IterationForecastInput ForecastService::input(const Iteration& iteration, double
   return input;
 }
 
-void ForecastService::setColdStartEstimate(const Uuid& project, std::optional<double> weeklyThroughput) {
+void ForecastService::checkEstimate(std::optional<double> weeklyThroughput) {
   if (weeklyThroughput &&
       !(std::isfinite(*weeklyThroughput) && *weeklyThroughput >= 0 && *weeklyThroughput <= maxWeeklyEstimate)) {
     throw ForecastServiceError(ForecastServiceError::Case::invalidEstimate);
   }
+}
+
+void ForecastService::setColdStartEstimate(const Uuid& project, std::optional<double> weeklyThroughput) {
+  checkEstimate(weeklyThroughput);
   Transaction transaction(db_);
   Project row = requireProject(db_, project);
   row.fillerLambda = weeklyThroughput;

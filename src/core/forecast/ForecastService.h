@@ -62,6 +62,9 @@ class ForecastService {
   // Sets the user's weekly-throughput estimate (finite, 0...1000, else
   // invalidEstimate) or clears it, with fresh filler counts.
   void setColdStartEstimate(const Uuid& project, std::optional<double> weeklyThroughput);
+  // The estimate rule alone, for a form to check what is typed: throws
+  // invalidEstimate unless absent or finite and 0...1000.
+  static void checkEstimate(std::optional<double> weeklyThroughput);
   void setCommitment(const Uuid& project, std::optional<Timestamp> committedDate);
 
   ForecastRecord log(const WhenForecast& forecast, const Uuid& project, std::string_view note, Timestamp now);
