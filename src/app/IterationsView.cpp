@@ -10,12 +10,17 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
 
 #include "app/AppContext.h"
 #include "app/Confirm.h"
 #include "app/ItemIds.h"
 #include "app/IterationCloseDialog.h"
 #include "app/IterationDialog.h"
+#include "app/forecast/ChanceText.h"
+#include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"
 
 namespace orvane::app {
@@ -30,8 +35,36 @@ enum IterationColumn {
   openColumn,
   committedColumn,
   finishedColumn,
-  carriedOverColumn
+  carriedOverColumn,
+  chanceColumn,
+  outlookColumn,
+  daysLeftColumn,
+  likelyColumn
 };
+
+constexpr int likelyLevel = 85;
+
+void showIterationForecast(QTreeWidgetItem* item, const Outcome<IterationForecast>& run) {
+  if (!run.result) {
+    // A refusal reads as the service's sentence where the verdict would be.
+    item->setText(outlookColumn, run.error);
+    item->setToolTip(outlookColumn, run.error);
+    return;
+  }
+  const IterationForecast& forecast = *run.result;
+  const QString outlook = qText(std::string(displayLabel(forecast.outlook())));
+  item->setText(chanceColumn, chanceText(forecast.probabilityPct));
+  item->setText(outlookColumn, outlook);
+  if (forecast.open > 0) {
+    // The outlook's thresholds are the narrative's: the same colours.
+    item->setData(chanceColumn, Qt::ForegroundRole, chanceColour(forecast.probabilityPct));
+    item->setData(outlookColumn, Qt::ForegroundRole, chanceColour(forecast.probabilityPct));
+  }
+  item->setText(daysLeftColumn, QString::number(forecast.daysLeft));
+  const auto likely = forecast.counts.find(likelyLevel);
+  if (likely != forecast.counts.end())
+    item->setText(likelyColumn, QStringLiteral("%1 of %2").arg(likely->second).arg(forecast.open));
+}
 
 QPushButton* button(const QString& text, const char* objectName, QWidget* parent) {
   auto* made = new QPushButton(text, parent);
@@ -54,7 +87,13 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   iterations_->setHeaderLabels({QStringLiteral("Iteration"), QStringLiteral("State"), QStringLiteral("Dates"),
                                 QStringLiteral("Tickets"), QStringLiteral("Done"), QStringLiteral("Open"),
                                 QStringLiteral("Committed"), QStringLiteral("Finished"),
-                                QStringLiteral("Carried over")});
+                                QStringLiteral("Carried over"), QStringLiteral("Chance"), QStringLiteral("Outlook"),
+                                QStringLiteral("Days left"), QStringLiteral("Likely done")});
+  iterations_->headerItem()->setToolTip(
+      chanceColumn, QStringLiteral("The chance that every open ticket is done by the iteration's last day."));
+  iterations_->headerItem()->setToolTip(daysLeftColumn, QStringLiteral("Days left, both ends counted."));
+  iterations_->headerItem()->setToolTip(
+      likelyColumn, QStringLiteral("Open tickets done by the last day, at %1% confidence.").arg(likelyLevel));
   iterations_->header()->setStretchLastSection(false);
   iterations_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   iterations_->header()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
@@ -187,6 +226,57 @@ void IterationsView::reload() {
                        : QString());
   fillTickets();
   updateButtons();
+  forecastIterations();
+}
+
+void IterationsView::forecastIterations() {
+  // Inputs are read here, where the store lives; a closed iteration has no
+  // forecast.
+  std::map<Uuid, Outcome<IterationForecast>> refused;
+  std::vector<std::pair<Uuid, IterationForecastInput>> inputs;
+  if (shown_) {
+    ForecastService forecasts(context_.store());
+    const CivilDate today = ForecastService::todayUTC(context_.now());
+    for (const Iteration& iteration : shown_->iterations) {
+      if (iteration.state() == IterationState::closed) continue;
+      const Outcome<IterationForecastInput> input =
+          outcomeOf([&] { return forecasts.input(iteration, 0, today, context_.calendar()); });
+      if (input.result) {
+        inputs.emplace_back(iteration.id, *input.result);
+      } else {
+        refused[iteration.id] = {std::nullopt, input.error};
+      }
+    }
+  }
+  for (int i = 0; i < iterations_->topLevelItemCount(); ++i) {
+    QTreeWidgetItem* item = iterations_->topLevelItem(i);
+    const std::optional<Uuid> id = idFrom(item->data(0, idRole));
+    if (!id) continue;
+    if (const auto it = refused.find(*id); it != refused.end()) showIterationForecast(item, it->second);
+    const bool waiting = std::any_of(inputs.begin(), inputs.end(), [&](const auto& input) { return input.first == *id; });
+    if (waiting) item->setText(outlookColumn, QStringLiteral("Forecasting…"));
+  }
+  if (inputs.empty()) {
+    forecastRuns_.skip();
+    emit forecastShown();
+    return;
+  }
+  forecastRuns_.start(
+      this,
+      [inputs = std::move(inputs)] {
+        std::map<Uuid, Outcome<IterationForecast>> runs;
+        for (const auto& [id, input] : inputs) runs[id] = outcomeOf([&] { return input.run(); });
+        return runs;
+      },
+      [this](const std::map<Uuid, Outcome<IterationForecast>>& runs) {
+        for (int i = 0; i < iterations_->topLevelItemCount(); ++i) {
+          QTreeWidgetItem* item = iterations_->topLevelItem(i);
+          const std::optional<Uuid> id = idFrom(item->data(0, idRole));
+          const auto run = id ? runs.find(*id) : runs.end();
+          if (run != runs.end()) showIterationForecast(item, run->second);
+        }
+        emit forecastShown();
+      });
 }
 
 void IterationsView::fillTickets() {
