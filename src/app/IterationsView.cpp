@@ -62,8 +62,12 @@ void showIterationForecast(QTreeWidgetItem* item, const Outcome<IterationForecas
   }
   item->setText(daysLeftColumn, QString::number(forecast.daysLeft));
   const auto likely = forecast.counts.find(likelyLevel);
+  // The simulated weeks may finish more than is open; then all of it is
+  // likely done.
   if (likely != forecast.counts.end())
-    item->setText(likelyColumn, QStringLiteral("%1 of %2").arg(likely->second).arg(forecast.open));
+    item->setText(likelyColumn, likely->second >= forecast.open
+                                    ? QStringLiteral("All %1").arg(forecast.open)
+                                    : QStringLiteral("%1 of %2").arg(likely->second).arg(forecast.open));
 }
 
 QPushButton* button(const QString& text, const char* objectName, QWidget* parent) {
