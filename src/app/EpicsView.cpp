@@ -1,7 +1,7 @@
 #include "app/EpicsView.h"
 
-#include <QColor>
 #include <QAction>
+#include <QColor>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -30,17 +30,7 @@
 namespace orvane::app {
 namespace {
 
-enum EpicColumn {
-  epicName,
-  epicProgress,
-  epicStart,
-  epicDue,
-  epicStatus,
-  epicP50,
-  epicP85,
-  epicChance,
-  epicWaitsFor
-};
+enum EpicColumn { epicName, epicProgress, epicStart, epicDue, epicStatus, epicP50, epicP85, epicChance, epicWaitsFor };
 enum MilestoneColumn { milestoneName, milestoneDate, milestoneEpic, milestoneDone };
 
 QPushButton* button(const QString& text, const char* name, QWidget* parent) {

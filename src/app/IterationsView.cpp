@@ -90,9 +90,9 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   iterations_->setRootIsDecorated(false);
   iterations_->setHeaderLabels({QStringLiteral("Iteration"), QStringLiteral("State"), QStringLiteral("Dates"),
                                 QStringLiteral("Tickets"), QStringLiteral("Done"), QStringLiteral("Open"),
-                                QStringLiteral("Committed"), QStringLiteral("Finished"),
-                                QStringLiteral("Carried over"), QStringLiteral("Chance"), QStringLiteral("Outlook"),
-                                QStringLiteral("Days left"), QStringLiteral("Likely done")});
+                                QStringLiteral("Committed"), QStringLiteral("Finished"), QStringLiteral("Carried over"),
+                                QStringLiteral("Chance"), QStringLiteral("Outlook"), QStringLiteral("Days left"),
+                                QStringLiteral("Likely done")});
   iterations_->headerItem()->setToolTip(
       chanceColumn, QStringLiteral("The chance that every open ticket is done by the iteration's last day."));
   iterations_->headerItem()->setToolTip(daysLeftColumn, QStringLiteral("Days left, both ends counted."));
@@ -257,7 +257,8 @@ void IterationsView::forecastIterations() {
     const std::optional<Uuid> id = idFrom(item->data(0, idRole));
     if (!id) continue;
     if (const auto it = refused.find(*id); it != refused.end()) showIterationForecast(item, it->second);
-    const bool waiting = std::any_of(inputs.begin(), inputs.end(), [&](const auto& input) { return input.first == *id; });
+    const bool waiting =
+        std::any_of(inputs.begin(), inputs.end(), [&](const auto& input) { return input.first == *id; });
     if (waiting) item->setText(outlookColumn, QStringLiteral("Forecasting…"));
   }
   if (inputs.empty()) {

@@ -16,9 +16,9 @@
 #include "app/DayField.h"
 #include "app/EpicDialog.h"
 #include "app/EpicsView.h"
+#include "app/ItemIds.h"
 #include "app/IterationCloseDialog.h"
 #include "app/IterationDialog.h"
-#include "app/ItemIds.h"
 #include "app/IterationsView.h"
 #include "app/MainWindow.h"
 #include "app/ProjectPane.h"
@@ -102,8 +102,7 @@ Uuid generatedProject(AppFixture& f) {
   const double start = f.clock.secondsSince1970 - 84 * day;
   // Made before its first ticket, so all twelve weeks of history are real
   // (no filler) and the outlooks below are the same on every run.
-  const Project project =
-      board.createProject("Generated", std::string_view("GEN"), Timestamp{start - day});
+  const Project project = board.createProject("Generated", std::string_view("GEN"), Timestamp{start - day});
   const Epic search = board.createEpic(project.id, "Search", std::nullopt, testing::at(2026, 3, 25));
   const Epic billing = board.createEpic(project.id, "Billing", std::nullopt, testing::at(2026, 5, 1));
   const Epic reports = board.createEpic(project.id, "Reports", std::nullopt, std::nullopt);
@@ -128,18 +127,22 @@ Uuid generatedProject(AppFixture& f) {
       open.push_back(id);
     }
   }
-  const Iteration closed = board.createIteration(project.id, "Closed", "", testing::at(2026, 2, 2), testing::at(2026, 2, 13));
+  const Iteration closed =
+      board.createIteration(project.id, "Closed", "", testing::at(2026, 2, 2), testing::at(2026, 2, 13));
   board.startIteration(closed.id, testing::at(2026, 2, 2));
   board.closeIteration(closed.id, IterationCarryOver::backlog(), testing::at(2026, 2, 13));
-  const Iteration now = board.createIteration(project.id, "Now", "", testing::at(2026, 2, 25), testing::at(2026, 3, 13));
-  const Iteration next = board.createIteration(project.id, "Next", "", testing::at(2026, 3, 16), testing::at(2026, 3, 27));
+  const Iteration now =
+      board.createIteration(project.id, "Now", "", testing::at(2026, 2, 25), testing::at(2026, 3, 13));
+  const Iteration next =
+      board.createIteration(project.id, "Next", "", testing::at(2026, 3, 16), testing::at(2026, 3, 27));
   const Iteration far = board.createIteration(project.id, "Far", "", testing::at(2026, 3, 9), testing::at(2036, 6, 1));
-  const Iteration past = board.createIteration(project.id, "Past", "", testing::at(2026, 2, 16), testing::at(2026, 3, 3));
+  const Iteration past =
+      board.createIteration(project.id, "Past", "", testing::at(2026, 2, 16), testing::at(2026, 3, 3));
   board.createIteration(project.id, "Empty", "", testing::at(2026, 4, 6), testing::at(2026, 4, 17));
-  for (std::size_t i = 0; i < open.size(); ++i) {
-    const Uuid& into = i < 12 ? now.id : i < 18 ? next.id : i < 19 ? far.id : i < 21 ? past.id : Uuid();
-    if (i < 21) board.setIteration(open[i], into);
-  }
+  const std::pair<Uuid, int> planned[] = {{now.id, 12}, {next.id, 6}, {far.id, 1}, {past.id, 2}};
+  std::size_t nextOpen = 0;
+  for (const auto& [iteration, count] : planned)
+    for (int k = 0; k < count; ++k) board.setIteration(open.at(nextOpen++), iteration);
   board.startIteration(now.id, testing::at(2026, 2, 25));
   return project.id;
 }
@@ -201,9 +204,8 @@ void expectIterationsOfTheCommandLine(AppFixture& f, const Uuid& project, const 
   QSet<QString> seen;
   for (const Iteration& iteration : f.snapshot(project).iterations) {
     const QString name = QString::fromStdString(iteration.name);
-    const QStringList cells = row(view.iterations(), view.iterations()->indexOfTopLevelItem(
-                                                         itemNamed(view.iterations(), name)))
-                                  .mid(9);
+    const QStringList cells =
+        row(view.iterations(), view.iterations()->indexOfTopLevelItem(itemNamed(view.iterations(), name))).mid(9);
     if (iteration.state() == IterationState::closed) {
       QCOMPARE(cells, (QStringList{"", "", "", ""}));
       seen << "closed";
@@ -270,8 +272,8 @@ void PlanningViewsTest::epicsShowProgressAndRefuseDependencyLoops() {
   view.show();
   QTreeWidget* epics = view.epics();
   QCOMPARE(epics->topLevelItemCount(), 2);
-  QCOMPARE(row(epics, 0), (QStringList{"Orbit", "1 of 2 done (50%)", "", "1 Apr 2026", "On track", "Forecasting…",
-                                       "", "", "Launch"}));
+  QCOMPARE(row(epics, 0),
+           (QStringList{"Orbit", "1 of 2 done (50%)", "", "1 Apr 2026", "On track", "Forecasting…", "", "", "Launch"}));
 
   const std::string before = dumpStore(f.t.store.db());
   view.selectEpic(launch.id);
@@ -565,9 +567,8 @@ void PlanningViewsTest::forecastThisEpicOpensTheForecastViewScopedToIt() {
     // The forecast shown is the epic's own: its open tickets, or that it has none.
     const ProjectSnapshot s = f.snapshot(demo);
     const Uuid id = *idFrom(epics->epics()->currentItem()->data(0, idRole));
-    const auto open = std::count_if(s.tickets.begin(), s.tickets.end(), [&](const Ticket& t) {
-      return t.epicId == id && !t.isArchived() && s.isOpen(t);
-    });
+    const auto open = std::count_if(s.tickets.begin(), s.tickets.end(),
+                                    [&](const Ticket& t) { return t.epicId == id && !t.isArchived() && s.isOpen(t); });
     if (open == 0) {
       QCOMPARE(forecast->findChild<QLabel*>("forecastEmpty")->text(),
                QStringLiteral("Nothing is open in the epic “%1”. Choose another epic or the whole project above.")
