@@ -37,12 +37,31 @@ enum IterationColumn {
   finishedColumn,
   carriedOverColumn,
   chanceColumn,
-  outlookColumn,
   daysLeftColumn,
-  likelyColumn
+  likelyColumn,
+  outlookColumn
 };
 
 constexpr int likelyLevel = 85;
+
+QString ticketsText(std::int64_t n, const char* noun) {
+  return QStringLiteral("%1 %2%3").arg(n).arg(QLatin1String(noun)).arg(n == 1 ? "" : "s");
+}
+
+// The forecast in the command line's words, or the refusal's sentence.
+QString forecastSentence(const Outcome<IterationForecast>& run) {
+  if (!run.result) return run.error;
+  const IterationForecast& f = *run.result;
+  const QString label = qText(std::string(displayLabel(f.outlook())));
+  const QString lastDay = qText(f.lastDay.displayText());
+  if (f.open == 0) return label + QStringLiteral(": every ticket of the iteration is done.");
+  if (f.daysLeft == 0)
+    return QStringLiteral("%1: the last day, %2, has passed with %3.")
+        .arg(label, lastDay, ticketsText(f.open, "open ticket"));
+  return QStringLiteral("%1: %2 chance that the %3 %4 done by %5, the last day. %6 left, both ends counted.")
+      .arg(label, chanceText(f.probabilityPct), ticketsText(f.open, "open ticket"),
+           f.open == 1 ? QStringLiteral("is") : QStringLiteral("are"), lastDay, ticketsText(f.daysLeft, "day"));
+}
 
 void showIterationForecast(QTreeWidgetItem* item, const Outcome<IterationForecast>& run) {
   if (!run.result) {
@@ -91,19 +110,24 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   iterations_->setHeaderLabels({QStringLiteral("Iteration"), QStringLiteral("State"), QStringLiteral("Dates"),
                                 QStringLiteral("Tickets"), QStringLiteral("Done"), QStringLiteral("Open"),
                                 QStringLiteral("Committed"), QStringLiteral("Finished"), QStringLiteral("Carried over"),
-                                QStringLiteral("Chance"), QStringLiteral("Outlook"), QStringLiteral("Days left"),
-                                QStringLiteral("Likely done")});
+                                QStringLiteral("Chance"), QStringLiteral("Days left"), QStringLiteral("Likely done"),
+                                QStringLiteral("Outlook")});
   iterations_->headerItem()->setToolTip(
       chanceColumn, QStringLiteral("The chance that every open ticket is done by the iteration's last day."));
   iterations_->headerItem()->setToolTip(daysLeftColumn, QStringLiteral("Days left, both ends counted."));
   iterations_->headerItem()->setToolTip(
       likelyColumn, QStringLiteral("Open tickets done by the last day, at %1% confidence.").arg(likelyLevel));
-  iterations_->header()->setStretchLastSection(false);
+  // The outlook comes last and takes the room that is left, so a refusal's
+  // sentence does not squeeze the names; the selected iteration's forecast
+  // is also written out in full under the table.
+  iterations_->header()->setStretchLastSection(true);
   iterations_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  iterations_->header()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+  iterations_->header()->setSectionResizeMode(outlookColumn, QHeaderView::Stretch);
+
   connect(iterations_, &QTreeWidget::currentItemChanged, this, [this] {
     fillTickets();
     updateButtons();
+    showSelectedForecast();
   });
   connect(iterations_, &QTreeWidget::itemActivated, this, &IterationsView::editIteration);
 
@@ -124,6 +148,9 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   goal_ = new QLabel(this);
   goal_->setObjectName(QStringLiteral("goal"));
   goal_->setWordWrap(true);
+  forecast_ = new QLabel(this);
+  forecast_->setObjectName(QStringLiteral("iterationForecast"));
+  forecast_->setWordWrap(true);
 
   tickets_ = new QTreeWidget(this);
   tickets_->setObjectName(QStringLiteral("iterationTickets"));
@@ -157,6 +184,7 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   auto* bottomLayout = new QVBoxLayout(bottom);
   bottomLayout->setContentsMargins(0, 0, 0, 0);
   bottomLayout->addWidget(goal_);
+  bottomLayout->addWidget(forecast_);
   bottomLayout->addWidget(tickets_, 1);
   auto* ticketButtons = new QHBoxLayout;
   ticketButtons->addWidget(candidates_, 1);
@@ -236,7 +264,7 @@ void IterationsView::reload() {
 void IterationsView::forecastIterations() {
   // Inputs are read here, where the store lives; a closed iteration has no
   // forecast.
-  std::map<Uuid, Outcome<IterationForecast>> refused;
+  forecasts_.clear();
   std::vector<std::pair<Uuid, IterationForecastInput>> inputs;
   if (shown_) {
     ForecastService forecasts(context_.store());
@@ -248,7 +276,7 @@ void IterationsView::forecastIterations() {
       if (input.result) {
         inputs.emplace_back(iteration.id, *input.result);
       } else {
-        refused[iteration.id] = {std::nullopt, input.error};
+        forecasts_[iteration.id] = {std::nullopt, input.error};
       }
     }
   }
@@ -256,11 +284,12 @@ void IterationsView::forecastIterations() {
     QTreeWidgetItem* item = iterations_->topLevelItem(i);
     const std::optional<Uuid> id = idFrom(item->data(0, idRole));
     if (!id) continue;
-    if (const auto it = refused.find(*id); it != refused.end()) showIterationForecast(item, it->second);
+    if (const auto it = forecasts_.find(*id); it != forecasts_.end()) showIterationForecast(item, it->second);
     const bool waiting =
         std::any_of(inputs.begin(), inputs.end(), [&](const auto& input) { return input.first == *id; });
     if (waiting) item->setText(outlookColumn, QStringLiteral("Forecasting…"));
   }
+  showSelectedForecast();
   if (inputs.empty()) {
     forecastRuns_.skip();
     emit forecastShown();
@@ -280,8 +309,24 @@ void IterationsView::forecastIterations() {
           const auto run = id ? runs.find(*id) : runs.end();
           if (run != runs.end()) showIterationForecast(item, run->second);
         }
+        forecasts_.insert(runs.begin(), runs.end());
+        showSelectedForecast();
         emit forecastShown();
       });
+}
+
+void IterationsView::showSelectedForecast() {
+  const std::optional<Uuid> id = selectedIteration();
+  const Iteration* iteration = shown_ && id ? shown_->iteration(*id) : nullptr;
+  const auto found = id ? forecasts_.find(*id) : forecasts_.end();
+  if (found != forecasts_.end()) {
+    forecast_->setText(forecastSentence(found->second));
+  } else if (iteration && iteration->state() != IterationState::closed) {
+    forecast_->setText(QStringLiteral("Forecasting…"));
+  } else {
+    forecast_->clear();
+  }
+  forecast_->setVisible(!forecast_->text().isEmpty());
 }
 
 void IterationsView::fillTickets() {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <map>
 #include <optional>
 
 #include "app/LatestRun.h"
 #include "app/ProjectViewBase.h"
+#include "app/forecast/ChanceText.h"
+#include "core/forecast/IterationForecast.h"
 
 class QComboBox;
 class QLabel;
@@ -22,7 +25,8 @@ namespace orvane::app {
 // The planned and active iterations also show their forecast: the chance
 // that every open ticket is done by the last day, the outlook in the
 // service's words, the days left and the tickets likely done by then (85%
-// confidence). Inputs are read on reload, the simulations run in the thread
+// confidence); the selected one's is also written out in the command
+// line's words. Inputs are read on reload, the simulations run in the thread
 // pool, and only the newest run is shown; a refusal shows as its sentence.
 class IterationsView : public ProjectViewBase {
   Q_OBJECT
@@ -60,11 +64,14 @@ class IterationsView : public ProjectViewBase {
   void fillTickets();
   void updateButtons();
   void forecastIterations();
+  // The selected iteration's forecast written out, or why there is none.
+  void showSelectedForecast();
 
   std::shared_ptr<const ProjectSnapshot> shown_;
   QTreeWidget* iterations_ = nullptr;
   QTreeWidget* tickets_ = nullptr;
   QLabel* goal_ = nullptr;
+  QLabel* forecast_ = nullptr;
   QLabel* notice_ = nullptr;
   QPushButton* edit_ = nullptr;
   QPushButton* start_ = nullptr;
@@ -74,6 +81,9 @@ class IterationsView : public ProjectViewBase {
   QPushButton* add_ = nullptr;
   QPushButton* takeOut_ = nullptr;
   LatestRun forecastRuns_;
+  // The forecasts shown, by iteration: those of the newest run, and the
+  // refusals read on reload.
+  std::map<Uuid, Outcome<IterationForecast>> forecasts_;
 };
 
 }  // namespace orvane::app

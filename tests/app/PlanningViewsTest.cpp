@@ -191,7 +191,7 @@ void expectRoadmapOfTheCommandLine(AppFixture& f, const Uuid& project, const QSt
 }
 
 // Every planned and active iteration against `orvane-cli forecast iteration
-// --json`: chance, outlook, days left and tickets likely done at 85%; a
+// --json`: chance, days left, tickets likely done at 85% and outlook; a
 // refusal as the command line's sentence; nothing for a closed iteration.
 void expectIterationsOfTheCommandLine(AppFixture& f, const Uuid& project, const QString& key) {
   IterationsView view(*f.context, nullptr);
@@ -206,15 +206,20 @@ void expectIterationsOfTheCommandLine(AppFixture& f, const Uuid& project, const 
     const QString name = QString::fromStdString(iteration.name);
     const QStringList cells =
         row(view.iterations(), view.iterations()->indexOfTopLevelItem(itemNamed(view.iterations(), name))).mid(9);
+    // The selected iteration's forecast is also written out under the table.
+    view.selectIteration(iteration.id);
+    const QString note = view.findChild<QLabel*>("iterationForecast")->text();
     if (iteration.state() == IterationState::closed) {
       QCOMPARE(cells, (QStringList{"", "", "", ""}));
+      QCOMPARE(note, QString());
       seen << "closed";
       continue;
     }
     const CliAnswer answer = cli(f, {"iteration", key, name});
     if (answer.exitCode != 0) {
-      QVERIFY2(answer.error.contains(cells.at(1)) && !cells.at(1).isEmpty(), qPrintable(answer.error));
-      QCOMPARE(cells.at(0), QString());
+      QVERIFY2(answer.error.contains(cells.at(3)) && !cells.at(3).isEmpty(), qPrintable(answer.error));
+      QCOMPARE(cells.mid(0, 3), (QStringList{"", "", ""}));
+      QCOMPARE(note, cells.at(3));
       seen << "refused";
       continue;
     }
@@ -226,8 +231,14 @@ void expectIterationsOfTheCommandLine(AppFixture& f, const Uuid& project, const 
                            : done >= open         ? QStringLiteral("All %1").arg(open)
                                                   : QStringLiteral("%1 of %2").arg(done).arg(open);
     QCOMPARE(cells, (QStringList{QString::number(forecast["probabilityPct"].toDouble(), 'f', 1) + '%',
-                                 outlooks.value(forecast["outlook"].toString()),
-                                 QString::number(forecast["daysLeft"].toInteger()), likely}));
+                                 QString::number(forecast["daysLeft"].toInteger()), likely,
+                                 outlooks.value(forecast["outlook"].toString())}));
+    QVERIFY2(note.startsWith(cells.at(3) + ": "), qPrintable(note));
+    QVERIFY2(
+        forecast["open"].toInteger() == 0 || forecast["daysLeft"].toInteger() == 0 ||
+            note.contains(
+                QStringLiteral("%1 chance that the %2 open ticket").arg(cells.at(0)).arg(forecast["open"].toInteger())),
+        qPrintable(note));
     seen << forecast["outlook"].toString();
   }
   // The generated project has an iteration of every kind.
