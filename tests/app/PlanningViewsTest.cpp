@@ -552,17 +552,25 @@ void PlanningViewsTest::forecastThisEpicOpensTheForecastViewScopedToIt() {
   auto* forecast = window.pane()->forecastView();
   auto* scope = forecast->findChild<QComboBox*>("forecastScope");
 
-  // By the button, by the row's menu, and for an epic made after the
-  // Forecast view last read the project.
-  const Epic late = f.board().createEpic(demo, "Late addition", std::nullopt, std::nullopt);
+  // By the button, by the row's menu, and for an epic made since the
+  // Forecast view last read the project; each time the view says whose
+  // forecast it shows.
+  const auto shows = [&](const QString& text) {
+    for (QLabel* label : forecast->findChildren<QLabel*>())
+      if (label->isVisibleTo(forecast) && label->text().startsWith(text)) return true;
+    return false;
+  };
   const struct {
     const char* epic;
     bool byMenu;
-  } cases[] = {{"Checkout & payments", false}, {"Customer accounts", true}, {"Late addition", false}};
+    const char* said;
+  } cases[] = {{"Checkout & payments", false, "When will the epic “%1” be done?"},
+               {"Customer accounts", true, "When will the epic “%1” be done?"},
+               {"Late addition", false, "Nothing is open in the epic “%1”."}};
   for (const auto& c : cases) {
     window.setViewMode(ProjectViewMode::epics);
     if (std::string(c.epic) == "Late addition") {
-      f.board().updateEpic(late.id, "Late addition", "", std::nullopt, std::nullopt, std::nullopt);
+      f.board().createEpic(demo, c.epic, std::nullopt, std::nullopt);
       f.context->notifyStoreChanged();
     }
     epics->epics()->setCurrentItem(itemNamed(epics->epics(), c.epic));
@@ -575,19 +583,7 @@ void PlanningViewsTest::forecastThisEpicOpensTheForecastViewScopedToIt() {
     QVERIFY(window.viewAction(ProjectViewMode::forecast)->isChecked());
     QCOMPARE(scope->currentText(), QStringLiteral("Epic: %1").arg(c.epic));
     settle(*forecast);
-    // The forecast shown is the epic's own: its open tickets, or that it has none.
-    const ProjectSnapshot s = f.snapshot(demo);
-    const Uuid id = *idFrom(epics->epics()->currentItem()->data(0, idRole));
-    const auto open = std::count_if(s.tickets.begin(), s.tickets.end(),
-                                    [&](const Ticket& t) { return t.epicId == id && !t.isArchived() && s.isOpen(t); });
-    if (open == 0) {
-      QCOMPARE(forecast->findChild<QLabel*>("forecastEmpty")->text(),
-               QStringLiteral("Nothing is open in the epic “%1”. Choose another epic or the whole project above.")
-                   .arg(c.epic));
-    } else {
-      const QString backlog = forecast->findChild<QLabel*>("forecastBacklog")->text();
-      QVERIFY2(backlog.startsWith(QStringLiteral("Backlog: %1 open ticket").arg(open)), qPrintable(backlog));
-    }
+    QVERIFY2(shows(QString(c.said).arg(c.epic)), c.epic);
   }
 }
 
