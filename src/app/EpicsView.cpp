@@ -1,5 +1,6 @@
 #include "app/EpicsView.h"
 
+#include <QAction>
 #include <QColor>
 #include <QComboBox>
 #include <QGroupBox>
@@ -20,13 +21,16 @@
 #include "app/EpicDialog.h"
 #include "app/ItemIds.h"
 #include "app/MilestoneDialog.h"
+#include "app/forecast/ChanceText.h"
+#include "core/forecast/ForecastService.h"
 #include "core/reports/ReportData.h"
+#include "engine/ForecastResult.h"
 #include "engine/LocalCivilDate.h"
 
 namespace orvane::app {
 namespace {
 
-enum EpicColumn { epicName, epicProgress, epicStart, epicDue, epicStatus, epicWaitsFor };
+enum EpicColumn { epicName, epicProgress, epicStart, epicDue, epicStatus, epicP50, epicP85, epicChance, epicWaitsFor };
 enum MilestoneColumn { milestoneName, milestoneDate, milestoneEpic, milestoneDone };
 
 QPushButton* button(const QString& text, const char* name, QWidget* parent) {
@@ -42,6 +46,51 @@ std::optional<Uuid> currentId(const QTreeWidget* tree) {
   return item ? idFrom(item->data(0, idRole)) : std::nullopt;
 }
 
+void clearForecastCells(QTreeWidgetItem* item) {
+  for (const int column : {epicP50, epicP85, epicChance}) {
+    item->setText(column, QString());
+    item->setToolTip(column, QString());
+    item->setData(column, Qt::ForegroundRole, QVariant());
+  }
+}
+
+// The chance of meeting the due day, coloured as the narrative words it,
+// with how far the 85% date lands from that day.
+void showChance(QTreeWidgetItem* item, const EpicSchedule& schedule) {
+  if (!schedule.chanceByDue) return;
+  item->setText(epicChance, chanceText(*schedule.chanceByDue));
+  item->setData(epicChance, Qt::ForegroundRole, chanceColour(*schedule.chanceByDue));
+  if (!schedule.p85SlipDays) return;
+  const std::int64_t slip = *schedule.p85SlipDays;
+  const std::int64_t days = slip < 0 ? -slip : slip;
+  item->setToolTip(epicChance, slip == 0 ? QStringLiteral("The 85% date is the due day.")
+                                         : QStringLiteral("The 85% date is %1 day%2 %3.")
+                                               .arg(days)
+                                               .arg(days == 1 ? "" : "s")
+                                               .arg(slip > 0 ? "late" : "early"));
+}
+
+// One epic's row from the roadmap: its dates when work is open, else that
+// nothing is left.
+void showSchedule(QTreeWidgetItem* item, const EpicSchedule& schedule, bool doneWork, bool inconclusive) {
+  clearForecastCells(item);
+  if (schedule.p50 && schedule.p85) {
+    item->setText(epicP50, qText(schedule.p50->displayText()));
+    item->setText(epicP85, qText(schedule.p85->displayText()));
+    if (inconclusive) {
+      const QString caution = QStringLiteral(
+                                  "Some simulations did not finish within %1 weeks; a date at or near that limit is "
+                                  "only a lower bound.")
+                                  .arg(ForecastSettings::maxPeriods);
+      item->setToolTip(epicP50, caution);
+      item->setToolTip(epicP85, caution);
+    }
+  } else {
+    item->setText(epicP50, doneWork ? QStringLiteral("Done") : QStringLiteral("Nothing open"));
+  }
+  showChance(item, schedule);
+}
+
 }  // namespace
 
 EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(context, parent) {
@@ -51,13 +100,29 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   epics_->setObjectName(QStringLiteral("epics"));
   epics_->setRootIsDecorated(false);
   epics_->setHeaderLabels({QStringLiteral("Epic"), QStringLiteral("Progress"), QStringLiteral("Start"),
-                           QStringLiteral("Due"), QStringLiteral("Status"), QStringLiteral("Waits for")});
+                           QStringLiteral("Due"), QStringLiteral("Status"), QStringLiteral("50% by"),
+                           QStringLiteral("85% by"), QStringLiteral("Chance by due"), QStringLiteral("Waits for")});
+  epics_->headerItem()->setToolTip(epicP50, QStringLiteral("Half of the simulated futures finish the epic by then."));
+  epics_->headerItem()->setToolTip(epicP85, QStringLiteral("85% of the simulated futures finish the epic by then."));
+  epics_->headerItem()->setToolTip(
+      epicChance, QStringLiteral("The share of the simulated futures in which the epic is done by its due date."));
+  // Names are read in full; a long list of what an epic waits for gives way
+  // first on a small screen (its cell's tooltip holds it all).
   epics_->header()->setStretchLastSection(false);
   epics_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  epics_->header()->setSectionResizeMode(epicName, QHeaderView::Stretch);
+  epics_->header()->setSectionResizeMode(epicWaitsFor, QHeaderView::Stretch);
   connect(epics_, &QTreeWidget::currentItemChanged, this, &EpicsView::fillDependencies);
   connect(epics_, &QTreeWidget::currentItemChanged, this, &EpicsView::updateButtons);
   connect(epics_, &QTreeWidget::itemActivated, this, &EpicsView::editEpic);
+  // Double-click edits; the way to the epic's forecast is a button and the
+  // row's context menu.
+  epics_->setContextMenuPolicy(Qt::ActionsContextMenu);
+  auto* forecastAction = new QAction(QStringLiteral("Forecast this epic"), epics_);
+  forecastAction->setObjectName(QStringLiteral("forecastEpicAction"));
+  connect(forecastAction, &QAction::triggered, this, &EpicsView::forecastEpic);
+  auto* editAction = new QAction(QStringLiteral("Edit…"), epics_);
+  connect(editAction, &QAction::triggered, this, &EpicsView::editEpic);
+  epics_->addActions({forecastAction, editAction});
   empty_ = new QLabel(
       QStringLiteral("No epics yet. An epic groups tickets; give it a due date to make it a milestone."), this);
   empty_->setObjectName(QStringLiteral("emptyEpics"));
@@ -66,7 +131,9 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   auto* newButton = button(QStringLiteral("New epic…"), "newEpic", this);
   editEpic_ = button(QStringLiteral("Edit…"), "editEpic", this);
   deleteEpic_ = button(QStringLiteral("Delete epic"), "deleteEpic", this);
+  forecastEpic_ = button(QStringLiteral("Forecast this epic"), "forecastEpic", this);
   connect(newButton, &QPushButton::clicked, this, &EpicsView::newEpic);
+  connect(forecastEpic_, &QPushButton::clicked, this, &EpicsView::forecastEpic);
   connect(editEpic_, &QPushButton::clicked, this, &EpicsView::editEpic);
   connect(deleteEpic_, &QPushButton::clicked, this, &EpicsView::deleteEpic);
 
@@ -133,6 +200,7 @@ EpicsView::EpicsView(AppContext& context, QWidget* parent) : ProjectViewBase(con
   auto* epicButtons = new QHBoxLayout;
   epicButtons->addWidget(newButton);
   epicButtons->addWidget(editEpic_);
+  epicButtons->addWidget(forecastEpic_);
   epicButtons->addStretch(1);
   epicButtons->addWidget(deleteEpic_);
   topLayout->addLayout(epicButtons);
@@ -154,9 +222,14 @@ std::optional<Uuid> EpicsView::selectedEpic() const { return currentId(epics_); 
 std::optional<Uuid> EpicsView::selectedMilestone() const { return currentId(milestones_); }
 
 void EpicsView::selectEpic(const Uuid& epic) {
+  if (QTreeWidgetItem* item = epicItem(epic)) epics_->setCurrentItem(item);
+}
+
+QTreeWidgetItem* EpicsView::epicItem(const Uuid& epic) const {
   for (int i = 0; i < epics_->topLevelItemCount(); ++i) {
-    if (idFrom(epics_->topLevelItem(i)->data(0, idRole)) == epic) epics_->setCurrentItem(epics_->topLevelItem(i));
+    if (idFrom(epics_->topLevelItem(i)->data(0, idRole)) == epic) return epics_->topLevelItem(i);
   }
+  return nullptr;
 }
 
 void EpicsView::reload() {
@@ -176,6 +249,7 @@ void EpicsView::reload() {
     empty_->hide();
     fillDependencies();
     updateButtons();
+    forecastRoadmap();
     return;
   }
   const ProjectSnapshot& s = *shown_;
@@ -209,6 +283,7 @@ void EpicsView::reload() {
       }
       waitsFor.sort(Qt::CaseInsensitive);
       item->setText(epicWaitsFor, waitsFor.join(QStringLiteral(", ")));
+      item->setToolTip(epicWaitsFor, item->text(epicWaitsFor));
       if (selected == row.id) epics_->setCurrentItem(item);
     }
   }
@@ -219,6 +294,7 @@ void EpicsView::reload() {
   empty_->setVisible(s.epics.empty());
   epics_->setVisible(!s.epics.empty());
   fillDependencies();
+  forecastRoadmap();
 
   const QSignalBlocker blocker(milestones_);
   for (const Milestone& milestone : s.milestones) {
@@ -235,9 +311,65 @@ void EpicsView::reload() {
   updateButtons();
 }
 
+void EpicsView::forecastRoadmap() {
+  if (!shown_ || shown_->epics.empty()) {
+    roadmapRuns_.skip();
+    emit forecastShown();
+    return;
+  }
+  // The input is read here, where the store lives; the simulations touch
+  // nothing shared.
+  const Outcome<RoadmapForecastInput> input = outcomeOf([this] {
+    return ForecastService(context_.store())
+        .roadmapInput(shown_->project.id, ForecastService::todayUTC(context_.now()), context_.calendar());
+  });
+  if (!input.result) {
+    roadmapRuns_.skip();
+    for (int i = 0; i < epics_->topLevelItemCount(); ++i) {
+      clearForecastCells(epics_->topLevelItem(i));
+      epics_->topLevelItem(i)->setText(epicP50, input.error);
+    }
+    emit forecastShown();
+    return;
+  }
+  for (const RoadmapEpicNode& node : input.result->epics) {
+    if (QTreeWidgetItem* item = epicItem(node.id)) {
+      clearForecastCells(item);
+      if (node.open > 0) item->setText(epicP50, QStringLiteral("Forecasting…"));
+    }
+  }
+  roadmapRuns_.start(
+      this, [roadmap = *input.result] { return outcomeOf([&] { return roadmap.run(); }); },
+      [this](const Outcome<RoadmapForecast>& run) {
+        for (int i = 0; i < epics_->topLevelItemCount(); ++i) {
+          QTreeWidgetItem* item = epics_->topLevelItem(i);
+          const std::optional<Uuid> id = idFrom(item->data(0, idRole));
+          if (!run.result) {
+            clearForecastCells(item);
+            item->setText(epicP50, run.error);
+            continue;
+          }
+          const auto schedule = id ? run.result->epics.find(*id) : run.result->epics.end();
+          if (schedule == run.result->epics.end()) continue;
+          // The run belongs to this reload (older ones are dropped), so
+          // shown_ is the snapshot it was read from.
+          const bool doneWork = std::any_of(shown_->tickets.begin(), shown_->tickets.end(), [&](const Ticket& t) {
+            return t.epicId == id && !t.isArchived() && !shown_->isOpen(t);
+          });
+          showSchedule(item, schedule->second, doneWork, run.result->inconclusive);
+        }
+        emit forecastShown();
+      });
+}
+
+void EpicsView::forecastEpic() {
+  if (const std::optional<Uuid> epic = selectedEpic()) emit forecastRequested(*epic);
+}
+
 void EpicsView::updateButtons() {
   const bool epic = selectedEpic().has_value();
   editEpic_->setEnabled(epic);
+  forecastEpic_->setEnabled(epic);
   deleteEpic_->setEnabled(epic);
   // Only another epic can be waited for.
   addDependency_->setEnabled(epic && predecessor_->count() > 0);

@@ -2,12 +2,14 @@
 
 #include <optional>
 
+#include "app/LatestRun.h"
 #include "app/ProjectViewBase.h"
 
 class QComboBox;
 class QLabel;
 class QPushButton;
 class QTreeWidget;
+class QTreeWidgetItem;
 
 namespace orvane::app {
 
@@ -16,6 +18,11 @@ namespace orvane::app {
 // rules (the same numbers the reports print); every change goes through the
 // service as one undoable step, its refusals shown as they stand. A button
 // that needs a selection is offered only while there is one.
+//
+// Each epic with open work also shows its 50% and 85% finish dates and the
+// chance of meeting its due date, from the roadmap forecast, so the epics it
+// waits for count. The roadmap's input is read on reload and simulated in the
+// thread pool; the cells say "Forecasting…" until the newest run arrives.
 class EpicsView : public ProjectViewBase {
   Q_OBJECT
 
@@ -36,6 +43,16 @@ class EpicsView : public ProjectViewBase {
   void newMilestone();
   void editMilestone();
   void deleteMilestone();
+  // Asks for the Forecast view scoped to the selected epic.
+  void forecastEpic();
+
+  // True while a roadmap run has been started and its result not yet shown.
+  bool isComputing() const { return roadmapRuns_.busy(); }
+
+ signals:
+  void forecastRequested(const orvane::Uuid& epic);
+  // The forecast cells now show the newest roadmap run (or why there is none).
+  void forecastShown();
 
  protected:
   void reload() override;
@@ -44,6 +61,8 @@ class EpicsView : public ProjectViewBase {
   void fillDependencies();
   void updateButtons();
   std::optional<Uuid> selectedMilestone() const;
+  void forecastRoadmap();
+  QTreeWidgetItem* epicItem(const Uuid& epic) const;
 
   std::shared_ptr<const ProjectSnapshot> shown_;
   QTreeWidget* epics_ = nullptr;
@@ -52,11 +71,13 @@ class EpicsView : public ProjectViewBase {
   QTreeWidget* milestones_ = nullptr;
   QLabel* empty_ = nullptr;
   QPushButton* editEpic_ = nullptr;
+  QPushButton* forecastEpic_ = nullptr;
   QPushButton* deleteEpic_ = nullptr;
   QPushButton* addDependency_ = nullptr;
   QPushButton* removeDependency_ = nullptr;
   QPushButton* editMilestone_ = nullptr;
   QPushButton* deleteMilestone_ = nullptr;
+  LatestRun roadmapRuns_;
 };
 
 }  // namespace orvane::app

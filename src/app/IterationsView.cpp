@@ -10,12 +10,17 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
 
 #include "app/AppContext.h"
 #include "app/Confirm.h"
 #include "app/ItemIds.h"
 #include "app/IterationCloseDialog.h"
 #include "app/IterationDialog.h"
+#include "app/forecast/ChanceText.h"
+#include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"
 
 namespace orvane::app {
@@ -30,8 +35,59 @@ enum IterationColumn {
   openColumn,
   committedColumn,
   finishedColumn,
-  carriedOverColumn
+  carriedOverColumn,
+  chanceColumn,
+  daysLeftColumn,
+  likelyColumn,
+  outlookColumn
 };
+
+constexpr int likelyLevel = 85;
+
+QString ticketsText(std::int64_t n, const char* noun) {
+  return QStringLiteral("%1 %2%3").arg(n).arg(QLatin1String(noun)).arg(n == 1 ? "" : "s");
+}
+
+// The forecast in the command line's words, or the refusal's sentence.
+QString forecastSentence(const Outcome<IterationForecast>& run) {
+  if (!run.result) return run.error;
+  const IterationForecast& f = *run.result;
+  const QString label = qText(std::string(displayLabel(f.outlook())));
+  const QString lastDay = qText(f.lastDay.displayText());
+  if (f.open == 0) return label + QStringLiteral(": every ticket of the iteration is done.");
+  if (f.daysLeft == 0)
+    return QStringLiteral("%1: the last day, %2, has passed with %3.")
+        .arg(label, lastDay, ticketsText(f.open, "open ticket"));
+  return QStringLiteral("%1: %2 chance that the %3 %4 done by %5, the last day. %6 left, both ends counted.")
+      .arg(label, chanceText(f.probabilityPct), ticketsText(f.open, "open ticket"),
+           f.open == 1 ? QStringLiteral("is") : QStringLiteral("are"), lastDay, ticketsText(f.daysLeft, "day"));
+}
+
+void showIterationForecast(QTreeWidgetItem* item, const Outcome<IterationForecast>& run) {
+  if (!run.result) {
+    // A refusal reads as the service's sentence where the verdict would be.
+    item->setText(outlookColumn, run.error);
+    item->setToolTip(outlookColumn, run.error);
+    return;
+  }
+  const IterationForecast& forecast = *run.result;
+  const QString outlook = qText(std::string(displayLabel(forecast.outlook())));
+  item->setText(chanceColumn, chanceText(forecast.probabilityPct));
+  item->setText(outlookColumn, outlook);
+  if (forecast.open > 0) {
+    // The outlook's thresholds are the narrative's: the same colours.
+    item->setData(chanceColumn, Qt::ForegroundRole, chanceColour(forecast.probabilityPct));
+    item->setData(outlookColumn, Qt::ForegroundRole, chanceColour(forecast.probabilityPct));
+  }
+  item->setText(daysLeftColumn, QString::number(forecast.daysLeft));
+  const auto likely = forecast.counts.find(likelyLevel);
+  // The simulated weeks may finish more than is open; then all of it is
+  // likely done.
+  if (likely != forecast.counts.end())
+    item->setText(likelyColumn, likely->second >= forecast.open
+                                    ? QStringLiteral("All %1").arg(forecast.open)
+                                    : QStringLiteral("%1 of %2").arg(likely->second).arg(forecast.open));
+}
 
 QPushButton* button(const QString& text, const char* objectName, QWidget* parent) {
   auto* made = new QPushButton(text, parent);
@@ -53,14 +109,25 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   iterations_->setRootIsDecorated(false);
   iterations_->setHeaderLabels({QStringLiteral("Iteration"), QStringLiteral("State"), QStringLiteral("Dates"),
                                 QStringLiteral("Tickets"), QStringLiteral("Done"), QStringLiteral("Open"),
-                                QStringLiteral("Committed"), QStringLiteral("Finished"),
-                                QStringLiteral("Carried over")});
-  iterations_->header()->setStretchLastSection(false);
+                                QStringLiteral("Committed"), QStringLiteral("Finished"), QStringLiteral("Carried over"),
+                                QStringLiteral("Chance"), QStringLiteral("Days left"), QStringLiteral("Likely done"),
+                                QStringLiteral("Outlook")});
+  iterations_->headerItem()->setToolTip(
+      chanceColumn, QStringLiteral("The chance that every open ticket is done by the iteration's last day."));
+  iterations_->headerItem()->setToolTip(daysLeftColumn, QStringLiteral("Days left, both ends counted."));
+  iterations_->headerItem()->setToolTip(
+      likelyColumn, QStringLiteral("Open tickets done by the last day, at %1% confidence.").arg(likelyLevel));
+  // The outlook comes last and takes the room that is left, so a refusal's
+  // sentence does not squeeze the names; the selected iteration's forecast
+  // is also written out in full under the table.
+  iterations_->header()->setStretchLastSection(true);
   iterations_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-  iterations_->header()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+  iterations_->header()->setSectionResizeMode(outlookColumn, QHeaderView::Stretch);
+
   connect(iterations_, &QTreeWidget::currentItemChanged, this, [this] {
     fillTickets();
     updateButtons();
+    showSelectedForecast();
   });
   connect(iterations_, &QTreeWidget::itemActivated, this, &IterationsView::editIteration);
 
@@ -81,6 +148,9 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   goal_ = new QLabel(this);
   goal_->setObjectName(QStringLiteral("goal"));
   goal_->setWordWrap(true);
+  forecast_ = new QLabel(this);
+  forecast_->setObjectName(QStringLiteral("iterationForecast"));
+  forecast_->setWordWrap(true);
 
   tickets_ = new QTreeWidget(this);
   tickets_->setObjectName(QStringLiteral("iterationTickets"));
@@ -114,6 +184,7 @@ IterationsView::IterationsView(AppContext& context, QWidget* parent) : ProjectVi
   auto* bottomLayout = new QVBoxLayout(bottom);
   bottomLayout->setContentsMargins(0, 0, 0, 0);
   bottomLayout->addWidget(goal_);
+  bottomLayout->addWidget(forecast_);
   bottomLayout->addWidget(tickets_, 1);
   auto* ticketButtons = new QHBoxLayout;
   ticketButtons->addWidget(candidates_, 1);
@@ -187,6 +258,75 @@ void IterationsView::reload() {
                        : QString());
   fillTickets();
   updateButtons();
+  forecastIterations();
+}
+
+void IterationsView::forecastIterations() {
+  // Inputs are read here, where the store lives; a closed iteration has no
+  // forecast.
+  forecasts_.clear();
+  std::vector<std::pair<Uuid, IterationForecastInput>> inputs;
+  if (shown_) {
+    ForecastService forecasts(context_.store());
+    const CivilDate today = ForecastService::todayUTC(context_.now());
+    for (const Iteration& iteration : shown_->iterations) {
+      if (iteration.state() == IterationState::closed) continue;
+      const Outcome<IterationForecastInput> input =
+          outcomeOf([&] { return forecasts.input(iteration, 0, today, context_.calendar()); });
+      if (input.result) {
+        inputs.emplace_back(iteration.id, *input.result);
+      } else {
+        forecasts_[iteration.id] = {std::nullopt, input.error};
+      }
+    }
+  }
+  for (int i = 0; i < iterations_->topLevelItemCount(); ++i) {
+    QTreeWidgetItem* item = iterations_->topLevelItem(i);
+    const std::optional<Uuid> id = idFrom(item->data(0, idRole));
+    if (!id) continue;
+    if (const auto it = forecasts_.find(*id); it != forecasts_.end()) showIterationForecast(item, it->second);
+    const bool waiting =
+        std::any_of(inputs.begin(), inputs.end(), [&](const auto& input) { return input.first == *id; });
+    if (waiting) item->setText(outlookColumn, QStringLiteral("Forecasting…"));
+  }
+  showSelectedForecast();
+  if (inputs.empty()) {
+    forecastRuns_.skip();
+    emit forecastShown();
+    return;
+  }
+  forecastRuns_.start(
+      this,
+      [inputs = std::move(inputs)] {
+        std::map<Uuid, Outcome<IterationForecast>> runs;
+        for (const auto& [id, input] : inputs) runs[id] = outcomeOf([&] { return input.run(); });
+        return runs;
+      },
+      [this](const std::map<Uuid, Outcome<IterationForecast>>& runs) {
+        for (int i = 0; i < iterations_->topLevelItemCount(); ++i) {
+          QTreeWidgetItem* item = iterations_->topLevelItem(i);
+          const std::optional<Uuid> id = idFrom(item->data(0, idRole));
+          const auto run = id ? runs.find(*id) : runs.end();
+          if (run != runs.end()) showIterationForecast(item, run->second);
+        }
+        forecasts_.insert(runs.begin(), runs.end());
+        showSelectedForecast();
+        emit forecastShown();
+      });
+}
+
+void IterationsView::showSelectedForecast() {
+  const std::optional<Uuid> id = selectedIteration();
+  const Iteration* iteration = shown_ && id ? shown_->iteration(*id) : nullptr;
+  const auto found = id ? forecasts_.find(*id) : forecasts_.end();
+  if (found != forecasts_.end()) {
+    forecast_->setText(forecastSentence(found->second));
+  } else if (iteration && iteration->state() != IterationState::closed) {
+    forecast_->setText(QStringLiteral("Forecasting…"));
+  } else {
+    forecast_->clear();
+  }
+  forecast_->setVisible(!forecast_->text().isEmpty());
 }
 
 void IterationsView::fillTickets() {

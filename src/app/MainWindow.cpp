@@ -27,6 +27,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/UndoHistory.h"
+#include "app/forecast/ForecastView.h"
 
 namespace orvane::app {
 
@@ -70,6 +71,10 @@ MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(paren
   connect(empty_, &EmptyStateView::loadDemoRequested, commands_, &StoreCommands::loadDemoProject);
   connect(empty_, &EmptyStateView::restoreRequested, commands_, &StoreCommands::restoreFromBackup);
   connect(pane_, &ProjectPane::openTicketRequested, this, &MainWindow::openTicket);
+  connect(pane_, &ProjectPane::epicForecastRequested, this, [this](const Uuid& epic) {
+    setViewMode(ProjectViewMode::forecast);
+    pane_->forecastView()->showEpic(epic);
+  });
   connect(&context_, &AppContext::storeChanged, this, &MainWindow::refresh);
   connect(&context_.undoHistory(), &UndoHistory::changed, this, &MainWindow::updateUndoActions);
 

@@ -45,7 +45,8 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   auto* iterations = new IterationsView(context_, stack_);
   install(ProjectViewMode::epics, epics);
   install(ProjectViewMode::iterations, iterations);
-  install(ProjectViewMode::forecast, new ForecastView(context_, stack_));
+  forecast_ = new ForecastView(context_, stack_);
+  install(ProjectViewMode::forecast, forecast_);
   install(
       ProjectViewMode::flow,
       new PlaceholderView(
@@ -61,6 +62,7 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   connect(calendar_, &CalendarView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(archived_, &ArchivedView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(iterations, &IterationsView::openTicketRequested, this, &ProjectPane::openTicketRequested);
+  connect(epics, &EpicsView::forecastRequested, this, &ProjectPane::epicForecastRequested);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

@@ -17,6 +17,7 @@ class ArchivedView;
 class BoardView;
 class CalendarView;
 class FilterBar;
+class ForecastView;
 class SnapshotCache;
 class TicketListView;
 
@@ -39,9 +40,13 @@ class ProjectPane : public QWidget {
   TicketListView* listView() const { return list_; }
   CalendarView* calendarView() const { return calendar_; }
   ArchivedView* archivedView() const { return archived_; }
+  ForecastView* forecastView() const { return forecast_; }
 
  signals:
   void openTicketRequested(const orvane::Uuid& ticket);
+  // The Epics view asks for the Forecast view scoped to `epic`; the window
+  // switches the view mode (ForecastView::showEpic does the scoping).
+  void epicForecastRequested(const orvane::Uuid& epic);
 
  private:
   struct Slot {
@@ -63,6 +68,7 @@ class ProjectPane : public QWidget {
   TicketListView* list_;
   CalendarView* calendar_;
   ArchivedView* archived_;
+  ForecastView* forecast_;
   std::optional<Uuid> project_;
   ProjectViewMode mode_ = ProjectViewMode::board;
 };

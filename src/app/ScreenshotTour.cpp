@@ -28,8 +28,10 @@
 #include "app/BoardView.h"
 #include "app/EmptyStateView.h"
 #include "app/EpicDialog.h"
+#include "app/EpicsView.h"
 #include "app/FilterBar.h"
 #include "app/ImportDialog.h"
+#include "app/IterationsView.h"
 #include "app/MainWindow.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectPane.h"
@@ -56,11 +58,12 @@ void settle() {
   loop.exec();
 }
 
-// Lets the forecast's simulation, which runs in the thread pool, arrive.
-void awaitForecast(ForecastView& view) {
+// Lets a view's forecast, which runs in the thread pool, arrive.
+template <typename View>
+void awaitForecast(View& view) {
   while (view.isComputing()) {
     QEventLoop loop;
-    QObject::connect(&view, &ForecastView::forecastShown, &loop, &QEventLoop::quit);
+    QObject::connect(&view, &View::forecastShown, &loop, &QEventLoop::quit);
     QTimer::singleShot(1000, &loop, &QEventLoop::quit);
     loop.exec();
   }
@@ -164,6 +167,9 @@ int ScreenshotTour::run() {
   int index = 1;
   for (ProjectViewMode mode : allProjectViewModes) {
     window_.setViewMode(mode);
+    // The planning views show forecasts too: grab them with the numbers in.
+    if (auto* epics = qobject_cast<EpicsView*>(window_.pane()->view(mode))) awaitForecast(*epics);
+    if (auto* iterations = qobject_cast<IterationsView*>(window_.pane()->view(mode))) awaitForecast(*iterations);
     save(&window_, QStringLiteral("%1-%2").arg(index++, 2, 10, QChar('0')).arg(title(mode).toLower()));
   }
 

@@ -1,9 +1,14 @@
+#include <QAction>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -11,10 +16,14 @@
 #include "app/DayField.h"
 #include "app/EpicDialog.h"
 #include "app/EpicsView.h"
+#include "app/ItemIds.h"
 #include "app/IterationCloseDialog.h"
 #include "app/IterationDialog.h"
 #include "app/IterationsView.h"
+#include "app/MainWindow.h"
+#include "app/ProjectPane.h"
 #include "app/UndoHistory.h"
+#include "app/forecast/ForecastView.h"
 #include "core/support/StoreDump.h"
 
 using namespace orvane;
@@ -42,6 +51,203 @@ QStringList row(QTreeWidget* tree, int index) {
   return texts;
 }
 
+// Waits until a view shows its newest forecast run (it runs in the thread pool).
+template <typename View>
+void settle(View& view) {
+  QSignalSpy shown(&view, &View::forecastShown);
+  while (view.isComputing()) QVERIFY(shown.wait(20000));
+}
+
+// What the real command line answers on the fixture's store and day.
+struct CliAnswer {
+  int exitCode = 0;
+  QJsonObject json;
+  QString error;
+};
+
+CliAnswer cli(AppFixture& f, const QStringList& arguments) {
+  QProcess process;
+  process.start(QStringLiteral(ORVANE_CLI),
+                QStringList{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
+                            "2026-03-04T10:00:00Z", "forecast"} +
+                    arguments + QStringList{"--json"});
+  if (!process.waitForFinished(30000)) qFatal("orvane-cli %s did not finish", qPrintable(arguments.join(' ')));
+  return {process.exitCode(), QJsonDocument::fromJson(process.readAllStandardOutput()).object(),
+          QString::fromUtf8(process.readAllStandardError())};
+}
+
+QString dayText(const QJsonValue& iso) {
+  return QString::fromStdString(CivilDate::fromIso(iso.toString().toStdString()).value().displayText());
+}
+
+// The colour of the narrative's word for a chance: high, moderate, low.
+QColor expectedColour(double pct) {
+  if (pct >= 85) return QColor("#1b7f3b");
+  return pct >= 50 ? QColor("#a06800") : QColor("#b3261e");
+}
+
+QTreeWidgetItem* itemNamed(QTreeWidget* tree, const QString& name) {
+  const QList<QTreeWidgetItem*> found = tree->findItems(name, Qt::MatchExactly, 0);
+  if (found.size() != 1) qFatal("no single row %s", qPrintable(name));
+  return found.front();
+}
+
+// A project with twelve weeks of uneven finished work, epics in a chain
+// (Search, then Billing, then Reports) beside one that is done and one with
+// no tickets, and iterations in every state, one of them running on too far
+// away to forecast and one whose last day has passed.
+Uuid generatedProject(AppFixture& f) {
+  BoardService& board = f.board();
+  const double day = 86400;
+  const double start = f.clock.secondsSince1970 - 84 * day;
+  // Made before its first ticket, so all twelve weeks of history are real
+  // (no filler) and the outlooks below are the same on every run.
+  const Project project = board.createProject("Generated", std::string_view("GEN"), Timestamp{start - day});
+  const Epic search = board.createEpic(project.id, "Search", std::nullopt, testing::at(2026, 3, 25));
+  const Epic billing = board.createEpic(project.id, "Billing", std::nullopt, testing::at(2026, 5, 1));
+  const Epic reports = board.createEpic(project.id, "Reports", std::nullopt, std::nullopt);
+  const Epic legacy = board.createEpic(project.id, "Legacy", std::nullopt, testing::at(2026, 3, 20));
+  board.createEpic(project.id, "Someday", std::nullopt, std::nullopt);
+  board.addEpicDependency(billing.id, search.id, f.clock);
+  board.addEpicDependency(reports.id, billing.id, f.clock);
+  const ProjectSnapshot fresh = f.snapshot(project.id);
+  const auto done = std::find_if(fresh.columns.begin(), fresh.columns.end(),
+                                 [](const BoardColumn& c) { return c.effectiveType() == ColumnType::done; });
+  std::vector<Uuid> open;
+  const Uuid chain[] = {search.id, billing.id, reports.id};
+  for (int n = 0; n < 150; ++n) {
+    const Timestamp created{start + n * (82 * day / 150)};
+    NewTicket ticket;
+    ticket.title = "Generated ticket " + std::to_string(n);
+    ticket.epic = n < 6 ? legacy.id : chain[n % 3];
+    const Uuid id = board.createTicket(project.id, ticket, created).id;
+    if (n < 6 || n % 4 != 0) {
+      board.moveTicket(id, done->id, std::nullopt, Timestamp{created.secondsSince1970 + (n % 5 + 1) * day / 3});
+    } else {
+      open.push_back(id);
+    }
+  }
+  const Iteration closed =
+      board.createIteration(project.id, "Closed", "", testing::at(2026, 2, 2), testing::at(2026, 2, 13));
+  board.startIteration(closed.id, testing::at(2026, 2, 2));
+  board.closeIteration(closed.id, IterationCarryOver::backlog(), testing::at(2026, 2, 13));
+  const Iteration now =
+      board.createIteration(project.id, "Now", "", testing::at(2026, 2, 25), testing::at(2026, 3, 13));
+  const Iteration next =
+      board.createIteration(project.id, "Next", "", testing::at(2026, 3, 16), testing::at(2026, 3, 27));
+  const Iteration far = board.createIteration(project.id, "Far", "", testing::at(2026, 3, 9), testing::at(2036, 6, 1));
+  const Iteration past =
+      board.createIteration(project.id, "Past", "", testing::at(2026, 2, 16), testing::at(2026, 3, 3));
+  board.createIteration(project.id, "Empty", "", testing::at(2026, 4, 6), testing::at(2026, 4, 17));
+  const std::pair<Uuid, int> planned[] = {{now.id, 12}, {next.id, 6}, {far.id, 1}, {past.id, 2}};
+  std::size_t nextOpen = 0;
+  for (const auto& [iteration, count] : planned)
+    for (int k = 0; k < count; ++k) board.setIteration(open.at(nextOpen++), iteration);
+  board.startIteration(now.id, testing::at(2026, 2, 25));
+  return project.id;
+}
+
+// Every epic's row against `orvane-cli forecast roadmap --json`: the 50% and
+// 85% dates, or that nothing is open; the chance by the due day in its colour.
+void expectRoadmapOfTheCommandLine(AppFixture& f, const Uuid& project, const QString& key) {
+  EpicsView view(*f.context, nullptr);
+  view.showProject(project);
+  view.reloadNow();
+  // The window is never held up: the cells wait for the run.
+  QVERIFY(view.isComputing());
+  QVERIFY(view.epics()->findItems("Forecasting…", Qt::MatchExactly, 5).size() >= 2);
+  settle(view);
+
+  const CliAnswer answer = cli(f, {"roadmap", key});
+  QCOMPARE(answer.exitCode, 0);
+  const QJsonObject epics = answer.json["epics"].toObject();
+  QCOMPARE(epics.size(), view.epics()->topLevelItemCount());
+  int dated = 0;
+  int chances = 0;
+  for (const Epic& epic : f.snapshot(project).epics) {
+    const QJsonObject schedule = epics[QString::fromStdString(epic.id.text())].toObject();
+    QTreeWidgetItem* item = itemNamed(view.epics(), QString::fromStdString(epic.name));
+    const QString name = QString::fromStdString(epic.name);
+    if (schedule["p50"].isNull()) {
+      QCOMPARE(schedule["open"].toInt(), 0);
+      QVERIFY2(item->text(5) == "Done" || item->text(5) == "Nothing open", qPrintable(name));
+      QCOMPARE(item->text(6), QString());
+    } else {
+      QCOMPARE(item->text(5), dayText(schedule["p50"]));
+      QCOMPARE(item->text(6), dayText(schedule["p85"]));
+      ++dated;
+    }
+    if (schedule["chanceByDue"].isNull()) {
+      QCOMPARE(item->text(7), QString());
+    } else {
+      const double chance = schedule["chanceByDue"].toDouble();
+      QCOMPARE(item->text(7), QString::number(chance, 'f', 1) + '%');
+      QCOMPARE(item->foreground(7).color(), expectedColour(chance));
+      ++chances;
+    }
+  }
+  QVERIFY(dated >= 3);
+  QVERIFY(chances >= 3);
+}
+
+// Every planned and active iteration against `orvane-cli forecast iteration
+// --json`: chance, days left, tickets likely done at 85% and outlook; a
+// refusal as the command line's sentence; nothing for a closed iteration.
+void expectIterationsOfTheCommandLine(AppFixture& f, const Uuid& project, const QString& key) {
+  IterationsView view(*f.context, nullptr);
+  view.showProject(project);
+  view.reloadNow();
+  QVERIFY(view.isComputing());
+  settle(view);
+  const QMap<QString, QString> outlooks{
+      {"done", "Nothing open"}, {"onTrack", "On track"}, {"atRisk", "At risk"}, {"offTrack", "Unlikely"}};
+  QSet<QString> seen;
+  for (const Iteration& iteration : f.snapshot(project).iterations) {
+    const QString name = QString::fromStdString(iteration.name);
+    const QStringList cells =
+        row(view.iterations(), view.iterations()->indexOfTopLevelItem(itemNamed(view.iterations(), name))).mid(9);
+    // The selected iteration's forecast is also written out under the table.
+    view.selectIteration(iteration.id);
+    const QString note = view.findChild<QLabel*>("iterationForecast")->text();
+    if (iteration.state() == IterationState::closed) {
+      QCOMPARE(cells, (QStringList{"", "", "", ""}));
+      QCOMPARE(note, QString());
+      seen << "closed";
+      continue;
+    }
+    const CliAnswer answer = cli(f, {"iteration", key, name});
+    if (answer.exitCode != 0) {
+      QVERIFY2(answer.error.contains(cells.at(3)) && !cells.at(3).isEmpty(), qPrintable(answer.error));
+      QCOMPARE(cells.mid(0, 3), (QStringList{"", "", ""}));
+      QCOMPARE(note, cells.at(3));
+      seen << "refused";
+      continue;
+    }
+    const QJsonObject forecast = answer.json;
+    const QJsonObject counts = forecast["counts"].toObject();
+    const qint64 open = forecast["open"].toInteger();
+    const qint64 done = counts["85"].toInteger();
+    const QString likely = !counts.contains("85") ? QString()
+                           : done >= open         ? QStringLiteral("All %1").arg(open)
+                                                  : QStringLiteral("%1 of %2").arg(done).arg(open);
+    QCOMPARE(cells, (QStringList{QString::number(forecast["probabilityPct"].toDouble(), 'f', 1) + '%',
+                                 QString::number(forecast["daysLeft"].toInteger()), likely,
+                                 outlooks.value(forecast["outlook"].toString())}));
+    QVERIFY2(note.startsWith(cells.at(3) + ": "), qPrintable(note));
+    QVERIFY2(
+        forecast["open"].toInteger() == 0 || forecast["daysLeft"].toInteger() == 0 ||
+            note.contains(
+                QStringLiteral("%1 chance that the %2 open ticket").arg(cells.at(0)).arg(forecast["open"].toInteger())),
+        qPrintable(note));
+    seen << forecast["outlook"].toString();
+  }
+  // The generated project has an iteration of every kind.
+  if (key == "GEN")
+    QVERIFY2(seen.contains(QSet<QString>{"closed", "refused", "done", "offTrack"}) &&
+                 (seen.contains("onTrack") || seen.contains("atRisk")),
+             qPrintable(QStringList(seen.values()).join(' ')));
+}
+
 }  // namespace
 
 class PlanningViewsTest : public QObject {
@@ -54,6 +260,10 @@ class PlanningViewsTest : public QObject {
   void buttonsThatNeedASelectionWaitForOne();
   void epicFormSaysWhatWouldBeRefusedWhileItIsTyped();
   void iterationFormSaysWhatWouldBeRefusedWhileItIsTyped();
+  // The forecasts on screen against the real orvane-cli.
+  void epicsShowTheRoadmapOfTheCommandLine();
+  void iterationsShowTheForecastOfTheCommandLine();
+  void forecastThisEpicOpensTheForecastViewScopedToIt();
 };
 
 void PlanningViewsTest::epicsShowProgressAndRefuseDependencyLoops() {
@@ -73,7 +283,8 @@ void PlanningViewsTest::epicsShowProgressAndRefuseDependencyLoops() {
   view.show();
   QTreeWidget* epics = view.epics();
   QCOMPARE(epics->topLevelItemCount(), 2);
-  QCOMPARE(row(epics, 0), (QStringList{"Orbit", "1 of 2 done (50%)", "", "1 Apr 2026", "On track", "Launch"}));
+  QCOMPARE(row(epics, 0),
+           (QStringList{"Orbit", "1 of 2 done (50%)", "", "1 Apr 2026", "On track", "Forecasting…", "", "", "Launch"}));
 
   const std::string before = dumpStore(f.t.store.db());
   view.selectEpic(launch.id);
@@ -132,7 +343,7 @@ void PlanningViewsTest::closingAnIterationCarriesOpenTicketsOverAndCounts() {
   dialog->submit();
   QCOMPARE(view.notice()->text(), QString("Closed “Sprint 1”: 1 finished, 3 carried over."));
   QCOMPARE(row(view.iterations(), 0).mid(1),
-           (QStringList{"Closed", "4 Mar 2026 – 4 Mar 2026", "1", "1", "0", "3", "1", "3"}));
+           (QStringList{"Closed", "4 Mar 2026 – 4 Mar 2026", "1", "1", "0", "3", "1", "3", "", "", "", ""}));
   QCOMPARE(f.snapshot(project.id).iteration(sprint.id)->carriedOverCount, 3);
 
   f.context->undo(&view);
@@ -315,6 +526,65 @@ void PlanningViewsTest::iterationFormSaysWhatWouldBeRefusedWhileItIsTyped() {
   editing.findChild<QLineEdit*>("name")->setText("SPRINT 1");
   QVERIFY(editing.problems().isEmpty());
   QVERIFY(editing.saveButton()->isEnabled());
+}
+
+void PlanningViewsTest::epicsShowTheRoadmapOfTheCommandLine() {
+  AppFixture f;
+  expectRoadmapOfTheCommandLine(f, f.board().loadDemoProject(f.clock).id, "SHOP");
+  if (QTest::currentTestFailed()) return;
+  expectRoadmapOfTheCommandLine(f, generatedProject(f), "GEN");
+}
+
+void PlanningViewsTest::iterationsShowTheForecastOfTheCommandLine() {
+  AppFixture f;
+  expectIterationsOfTheCommandLine(f, f.board().loadDemoProject(f.clock).id, "SHOP");
+  if (QTest::currentTestFailed()) return;
+  expectIterationsOfTheCommandLine(f, generatedProject(f), "GEN");
+}
+
+void PlanningViewsTest::forecastThisEpicOpensTheForecastViewScopedToIt() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  MainWindow window(*f.context);
+  window.show();
+  window.selectProject(demo);
+  auto* epics = qobject_cast<EpicsView*>(window.pane()->view(ProjectViewMode::epics));
+  auto* forecast = window.pane()->forecastView();
+  auto* scope = forecast->findChild<QComboBox*>("forecastScope");
+
+  // By the button, by the row's menu, and for an epic made since the
+  // Forecast view last read the project; each time the view says whose
+  // forecast it shows.
+  const auto shows = [&](const QString& text) {
+    for (QLabel* label : forecast->findChildren<QLabel*>())
+      if (label->isVisibleTo(forecast) && label->text().startsWith(text)) return true;
+    return false;
+  };
+  const struct {
+    const char* epic;
+    bool byMenu;
+    const char* said;
+  } cases[] = {{"Checkout & payments", false, "When will the epic “%1” be done?"},
+               {"Customer accounts", true, "When will the epic “%1” be done?"},
+               {"Late addition", false, "Nothing is open in the epic “%1”."}};
+  for (const auto& c : cases) {
+    window.setViewMode(ProjectViewMode::epics);
+    if (std::string(c.epic) == "Late addition") {
+      f.board().createEpic(demo, c.epic, std::nullopt, std::nullopt);
+      f.context->notifyStoreChanged();
+    }
+    epics->epics()->setCurrentItem(itemNamed(epics->epics(), c.epic));
+    if (c.byMenu) {
+      epics->epics()->findChild<QAction*>("forecastEpicAction")->trigger();
+    } else {
+      QTest::mouseClick(epics->findChild<QPushButton*>("forecastEpic"), Qt::LeftButton);
+    }
+    QCOMPARE(window.viewMode(), ProjectViewMode::forecast);
+    QVERIFY(window.viewAction(ProjectViewMode::forecast)->isChecked());
+    QCOMPARE(scope->currentText(), QStringLiteral("Epic: %1").arg(c.epic));
+    settle(*forecast);
+    QVERIFY2(shows(QString(c.said).arg(c.epic)), c.epic);
+  }
 }
 
 QTEST_MAIN(PlanningViewsTest)

@@ -417,6 +417,13 @@ void ForecastView::fillScopes(const ProjectSnapshot& project) {
   scope_->setCurrentIndex(std::max(0, scope_->findData(chosen)));
 }
 
+void ForecastView::showEpic(const Uuid& epic) {
+  const QString id = QString::fromStdString(epic.text());
+  // The scope list is as of the last reload: an epic made since is not in it.
+  if (scope_->findData(id) < 0) reloadNow();
+  if (const int index = scope_->findData(id); index >= 0) scope_->setCurrentIndex(index);
+}
+
 const Epic* ForecastView::chosenEpic() const {
   const QString id = scope_->currentData().toString();
   for (const Epic& epic : epics_)

@@ -50,6 +50,10 @@ class ForecastView : public ProjectViewBase {
 
   // True while a run has been started and its result not yet shown.
   bool isComputing() const;
+  // Scopes the forecast to `epic` (at the share already set), as when the
+  // user picks it in the scope list; an epic not in the project changes
+  // nothing.
+  void showEpic(const Uuid& epic);
 
   // The view's commands, for its buttons and the window's Forecast menu;
   // each is enabled only while it can act.
