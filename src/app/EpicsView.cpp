@@ -21,6 +21,7 @@
 #include "app/EpicDialog.h"
 #include "app/ItemIds.h"
 #include "app/MilestoneDialog.h"
+#include "app/RunOutcome.h"
 #include "app/forecast/ChanceText.h"
 #include "core/forecast/ForecastService.h"
 #include "core/reports/ReportData.h"

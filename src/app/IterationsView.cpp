@@ -19,6 +19,7 @@
 #include "app/ItemIds.h"
 #include "app/IterationCloseDialog.h"
 #include "app/IterationDialog.h"
+#include "app/RunOutcome.h"
 #include "app/forecast/ChanceText.h"
 #include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"

@@ -5,7 +5,7 @@
 
 #include "app/LatestRun.h"
 #include "app/ProjectViewBase.h"
-#include "app/forecast/ChanceText.h"
+#include "app/RunOutcome.h"
 #include "core/forecast/IterationForecast.h"
 
 class QComboBox;

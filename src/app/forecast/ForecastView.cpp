@@ -29,6 +29,7 @@
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ByDateSection.h"
+#include "app/forecast/ChanceText.h"
 #include "app/forecast/ForecastLogPage.h"
 #include "app/forecast/LogForecastDialog.h"
 #include "core/accuracy/ForecastNarrative.h"
@@ -77,14 +78,6 @@ WhenRun runForecasts(const ForecastInput& input) {
 
 QString weeksText(double weeks) {
   return weeks == std::floor(weeks) ? QString::number(static_cast<qint64>(weeks)) : QString::number(weeks, 'f', 1);
-}
-
-QString chanceText(double pct) { return QString::number(pct, 'f', 1) + QLatin1Char('%'); }
-
-// The narrative's words for a chance: high from 85%, moderate from 50%.
-QString chanceColour(double pct) {
-  if (pct >= 85) return QStringLiteral("#1b7f3b");
-  return pct >= 50 ? QStringLiteral("#a06800") : QStringLiteral("#b3261e");
 }
 
 QLabel* gridLabel(const QString& text, const QString& name, Qt::Alignment alignment, QWidget* parent) {
@@ -553,7 +546,7 @@ void ForecastView::showForecast(const WhenForecast& forecast) {
             .arg(epic != nullptr ? QStringLiteral("Due date") : QStringLiteral("Committed date"),
                  QString::fromStdString(forecast.commitment->displayText()),
                  *forecast.commitment < forecast.asOf ? QStringLiteral(" has passed: ") : QStringLiteral(": "),
-                 chanceColour(pct), chanceText(pct)));
+                 chanceColour(pct).name(), chanceText(pct)));
     const CivilDate& day = *forecast.commitment;
     commitmentDay_->setDate(QDate(static_cast<int>(day.year), static_cast<int>(day.month), static_cast<int>(day.day)));
   } else {
