@@ -2,6 +2,9 @@
 
 #include <QObject>
 #include <filesystem>
+#include <optional>
+
+#include "core/model/Uuid.h"
 
 class QWidget;
 
@@ -26,6 +29,7 @@ class ScreenshotTour : public QObject {
  private:
   bool save(QWidget* widget, const QString& name);
   bool saveScreen(const QString& name);
+  void tourRoadmap(const std::optional<Uuid>& demo);
 
   AppContext& context_;
   MainWindow& window_;

@@ -23,7 +23,11 @@ constexpr double minimumWidth = 6;
 }  // namespace
 
 EpicBarItem::EpicBarItem(const RoadmapBar& bar, RoadmapScene& scene, double top)
-    : scene_(scene), id_(bar.id), colour_(bar.colour), done_(bar.isDone()), onLongestChain_(bar.onLongestChain),
+    : scene_(scene),
+      id_(bar.id),
+      colour_(bar.colour),
+      done_(bar.isDone()),
+      onLongestChain_(bar.onLongestChain),
       top_(top) {
   const CivilDate& today = scene.picture().today;
   if (done_) {

@@ -25,7 +25,8 @@ QString counted(std::int64_t n, const QString& noun) {
 // the command line's words for an epic's due date.
 QString dueText(const EpicSchedule& schedule) {
   QString line = QStringLiteral("Due ") + day(*schedule.dueDay);
-  if (schedule.chanceByDue) line += QStringLiteral(": ") + chance(*schedule.chanceByDue) + QStringLiteral(" chance by then");
+  if (schedule.chanceByDue)
+    line += QStringLiteral(": ") + chance(*schedule.chanceByDue) + QStringLiteral(" chance by then");
   if (schedule.p85SlipDays) {
     const std::int64_t slip = *schedule.p85SlipDays;
     line += QStringLiteral("; the 85% date is ") +
@@ -112,8 +113,9 @@ RoadmapPicture roadmapPicture(const RoadmapSources& sources) {
     QStringList detail{bar.name + QStringLiteral(": ") +
                        (bar.open > 0 ? QStringLiteral("%1 open").arg(bar.open) : QStringLiteral("nothing open")) +
                        (bar.atRisk ? QStringLiteral(", At risk") : QString())};
-    detail << (bar.hasPlannedStart ? QStringLiteral("Planned start ") + day(bar.start)
-                                   : QStringLiteral("No planned start: starts today, or when what it waits for is done"));
+    detail << (bar.hasPlannedStart
+                   ? QStringLiteral("Planned start ") + day(bar.start)
+                   : QStringLiteral("No planned start: starts today, or when what it waits for is done"));
     if (bar.p50 && bar.p85) detail << QStringLiteral("50% by %1, 85% by %2").arg(day(*bar.p50), day(*bar.p85));
     if (schedule.dueDay) detail << dueText(schedule);
     if (!bar.status.isEmpty()) detail << QStringLiteral("Status: ") + bar.status;
@@ -126,6 +128,15 @@ RoadmapPicture roadmapPicture(const RoadmapSources& sources) {
           {node.id, QStringLiteral("“%1” is at risk. %2.").arg(text(node.name), dueText(schedule)), false});
     }
   }
+
+  // Rows in the order the work happens: by start, then by 50% date.
+  std::stable_sort(picture.bars.begin(), picture.bars.end(), [&](const RoadmapBar& a, const RoadmapBar& b) {
+    const CivilDate aEnd = a.p50.value_or(forecast.asOf);
+    const CivilDate bEnd = b.p50.value_or(forecast.asOf);
+    if (a.start != b.start) return a.start < b.start;
+    if (aEnd != bEnd) return aEnd < bEnd;
+    return a.name.localeAwareCompare(b.name) < 0;
+  });
 
   std::set<std::pair<Uuid, Uuid>> chainLinks;
   for (std::size_t i = 0; i + 1 < forecast.longestChain.size(); ++i)
@@ -147,17 +158,19 @@ RoadmapPicture roadmapPicture(const RoadmapSources& sources) {
     const auto found = forecast.milestoneChances.find(node.id);
     if (!node.isDone && found != forecast.milestoneChances.end()) marker.chance = found->second;
     marker.label = marker.name + QStringLiteral(" · ") +
-                   (marker.done ? QStringLiteral("done")
-                                : marker.chance ? chance(*marker.chance) : QStringLiteral("no forecast"));
+                   (marker.done     ? QStringLiteral("done")
+                    : marker.chance ? chance(*marker.chance)
+                                    : QStringLiteral("no forecast"));
     picture.milestones.push_back(std::move(marker));
   }
 
   for (const EpicScheduleConflict& conflict : sources.conflicts) {
-    picture.issues.push_back({conflict.successor.id,
-                              QStringLiteral("Warning: \"%1\" is planned to start %2 before \"%3\" is due.")
-                                  .arg(text(conflict.successor.name), counted(conflict.overlapDays, QStringLiteral("day")),
-                                       text(conflict.predecessor.name)),
-                              true});
+    picture.issues.push_back(
+        {conflict.successor.id,
+         QStringLiteral("Warning: \"%1\" is planned to start %2 before \"%3\" is due.")
+             .arg(text(conflict.successor.name), counted(conflict.overlapDays, QStringLiteral("day")),
+                  text(conflict.predecessor.name)),
+         true});
   }
   return picture;
 }

@@ -19,7 +19,7 @@ struct RoadmapBar {
   Uuid id;
   QString name;
   QColor colour;
-  CivilDate start;           // the planned start, or today without one
+  CivilDate start;  // the planned start, or today without one
   bool hasPlannedStart = false;
   std::optional<CivilDate> p50;  // absent with nothing open
   std::optional<CivilDate> p85;
@@ -63,7 +63,7 @@ struct RoadmapIssue {
 struct RoadmapPicture {
   CivilDate today;
   std::int64_t iterations = 0;
-  std::vector<RoadmapBar> bars;  // the forecast's epic order
+  std::vector<RoadmapBar> bars;  // by start, then by 50% date
   std::vector<RoadmapArrow> arrows;
   std::vector<RoadmapMarker> milestones;
   std::map<int, CivilDate> projectDates;

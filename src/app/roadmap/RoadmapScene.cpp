@@ -137,8 +137,7 @@ void RoadmapScene::showPicture(const RoadmapPicture& picture, RoadmapZoom zoom) 
   for (const RoadmapMarker& marker : picture_.milestones)
     markerSpans.emplace_back(xOf(marker.day) - 6, metrics.horizontalAdvance(marker.label) + 18);
   const std::vector<int> markerBands = bands(markerSpans);
-  const int markerBandCount =
-      markerBands.empty() ? 0 : *std::max_element(markerBands.begin(), markerBands.end()) + 1;
+  const int markerBandCount = markerBands.empty() ? 0 : *std::max_element(markerBands.begin(), markerBands.end()) + 1;
   const double markersTop = linesTop + lineBandCount * bandHeight + 4;
   barsTop_ = markersTop + markerBandCount * bandHeight + 8;
   const double bottom = barsTop_ + static_cast<double>(picture_.bars.size()) * rowHeight + 12;
@@ -168,8 +167,8 @@ void RoadmapScene::showPicture(const RoadmapPicture& picture, RoadmapZoom zoom) 
     flag->setData(0, QStringLiteral("milestone"));
     flag->setData(1, QString::fromStdString(marker.id.text()));
     flag->setToolTip(marker.name + QStringLiteral(", ") + QString::fromStdString(marker.day.displayText()));
-    auto* stroke = addLine(x, top + 11, x, bottom, QPen(QColor(colour.red(), colour.green(), colour.blue(), 70), 1,
-                                                        Qt::DotLine));
+    auto* stroke =
+        addLine(x, top + 11, x, bottom, QPen(QColor(colour.red(), colour.green(), colour.blue(), 70), 1, Qt::DotLine));
     stroke->setZValue(0.4);
     auto* label = addLabel(*this, marker.label, colour);
     label->setPos(x + 9, top - 2);
@@ -188,9 +187,9 @@ void RoadmapScene::showPicture(const RoadmapPicture& picture, RoadmapZoom zoom) 
       const double x = xOf(*bar.due);
       const double y = barTop + EpicBarItem::height / 2;
       const QColor colour = bar.atRisk ? riskColour : QColor(0x30, 0x30, 0x30);
-      auto* diamond = addPolygon(
-          QPolygonF({QPointF(x, y - 7), QPointF(x + 7, y), QPointF(x, y + 7), QPointF(x - 7, y)}), QPen(Qt::white),
-          QBrush(colour));
+      auto* diamond =
+          addPolygon(QPolygonF({QPointF(x, y - 7), QPointF(x + 7, y), QPointF(x, y + 7), QPointF(x - 7, y)}),
+                     QPen(Qt::white), QBrush(colour));
       diamond->setZValue(4);
       diamond->setData(0, QStringLiteral("due"));
       diamond->setData(1, QString::fromStdString(bar.id.text()));

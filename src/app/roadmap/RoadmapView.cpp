@@ -143,8 +143,9 @@ void RoadmapView::reload() {
     return;
   }
   if (shown_->epics.empty()) {
-    showEmpty(QStringLiteral("No epics yet. Create epics in the Epics view, give them planned starts, due dates and "
-                             "dependencies, and this view schedules them on a time line."));
+    showEmpty(
+        QStringLiteral("No epics yet. Create epics in the Epics view, give them planned starts, due dates and "
+                       "dependencies, and this view schedules them on a time line."));
     return;
   }
   // The inputs are read here, where the store lives; the simulations touch
@@ -189,6 +190,14 @@ void RoadmapView::reload() {
                                    thousands(run.forecast->iterations)));
         pages_->setCurrentIndex(1);
         draw();
+        if (drawnFor_ != snap->project.id) {
+          // A project seen for the first time opens with today in sight.
+          drawnFor_ = snap->project.id;
+          const double today = scene_->xOf(picture_->today) - RoadmapScene::nameColumnWidth;
+          const int room = timeline_->viewport()->width() - static_cast<int>(RoadmapScene::nameColumnWidth);
+          timeline_->horizontalScrollBar()->setValue(static_cast<int>(today) - room / 4);
+          timeline_->verticalScrollBar()->setValue(0);
+        }
         emit roadmapShown();
       });
 }

@@ -62,6 +62,7 @@ class RoadmapView : public ProjectViewBase {
 
   std::shared_ptr<const ProjectSnapshot> shown_;
   std::optional<RoadmapPicture> picture_;
+  std::optional<Uuid> drawnFor_;
   LatestRun runs_;
 };
 

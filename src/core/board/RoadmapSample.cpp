@@ -11,7 +11,7 @@ namespace {
 
 constexpr double secondsPerDay = 86400;
 
-constexpr std::array<const char*, 10> areas{"Accounts", "Billing",  "Catalogue", "Checkout",   "Delivery",
+constexpr std::array<const char*, 10> areas{"Accounts",  "Billing",   "Catalogue", "Checkout",   "Delivery",
                                             "Inventory", "Reporting", "Search",    "Onboarding", "Support"};
 constexpr std::array<const char*, 4> phases{"discovery", "build", "rollout", "hardening"};
 
@@ -57,17 +57,18 @@ Project createRoadmapSample(BoardService& board, Store& store, Timestamp now, in
       start = noon(startDay);
       due = noon(startDay + (overlaps(area) ? 28 : 18));
     }
-    const std::optional<std::string> colour =
-        area % 2 == 0 ? std::optional<std::string>() : std::optional<std::string>(phase % 2 == 0 ? "#3A7BD5" : "#8E44AD");
+    const std::optional<std::string> colour = area % 2 == 0
+                                                  ? std::optional<std::string>()
+                                                  : std::optional<std::string>(phase % 2 == 0 ? "#3A7BD5" : "#8E44AD");
     const Epic epic = board.createEpic(project.id, name, colour, due);
     board.updateEpic(epic.id, name, "", start, due, colour);
     epics.push_back(epic.id);
     if (phase > 0) board.addEpicDependency(epic.id, epics[static_cast<std::size_t>(k - areaCount)], instant(90));
     // A cross-area wait on an earlier phase keeps the graph free of loops.
     if (phase > 0 && area % 4 == 1)
-      board.addEpicDependency(epic.id, epics[static_cast<std::size_t>((k - areaCount) / areaCount * areaCount +
-                                                                      (area + 3) % areaCount)],
-                              instant(90));
+      board.addEpicDependency(
+          epic.id, epics[static_cast<std::size_t>((k - areaCount) / areaCount * areaCount + (area + 3) % areaCount)],
+          instant(90));
 
     // Finished work in the first phase, spread over the last twelve weeks;
     // open work everywhere but in the done area.
@@ -89,8 +90,8 @@ Project createRoadmapSample(BoardService& board, Store& store, Timestamp now, in
   // Six milestones on later phases, one of them already reached.
   for (int m = 0; m < 6 && areaCount + m * 5 < epicCount; ++m) {
     const std::size_t epic = static_cast<std::size_t>(areaCount + m * 5);
-    const Milestone milestone = board.createMilestone(project.id, "Milestone " + std::to_string(m + 1),
-                                                      noon(20 + 15 * m), epics[epic], "");
+    const Milestone milestone =
+        board.createMilestone(project.id, "Milestone " + std::to_string(m + 1), noon(20 + 15 * m), epics[epic], "");
     if (m == 0) board.setMilestone(milestone.id, true, instant(1));
   }
   transaction.commit();
