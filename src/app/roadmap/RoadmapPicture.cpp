@@ -106,6 +106,10 @@ RoadmapPicture roadmapPicture(const RoadmapSources& sources) {
       note << QStringLiteral("nothing open");
     } else if (bar.due && bar.chanceByDue) {
       note << chance(*bar.chanceByDue) + QStringLiteral(" chance by ") + text(bar.due->displayShort());
+      // The status follows the tickets done so far; the forecast may see
+      // the risk before it does.
+      if (bar.atRisk && status && status->status != EpicStatus::atRisk && status->status != EpicStatus::late)
+        note << QStringLiteral("at risk by the forecast");
     }
     note.removeAll(QString());
     bar.note = note.join(QStringLiteral(" · "));
