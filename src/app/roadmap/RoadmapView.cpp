@@ -108,10 +108,13 @@ RoadmapView::RoadmapView(AppContext& context, QWidget* parent) : ProjectViewBase
   pages_->addWidget(page);
 
   connect(zoom_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this] {
-    // Keep the same day at the left edge.
-    const CivilDate left = scene_->dayAt(timeline_->mapToScene(QPoint(0, 0)).x() + RoadmapScene::nameColumnWidth);
+    // The day in the middle of the dates stays in the middle.
+    const int room = timeline_->viewport()->width() - static_cast<int>(RoadmapScene::nameColumnWidth);
+    const double middle = timeline_->mapToScene(QPoint(0, 0)).x() + RoadmapScene::nameColumnWidth + room / 2.0;
+    const CivilDate day = scene_->dayAt(middle);
     draw();
-    timeline_->horizontalScrollBar()->setValue(static_cast<int>(scene_->xOf(left) - RoadmapScene::nameColumnWidth));
+    timeline_->horizontalScrollBar()->setValue(
+        static_cast<int>(scene_->xOf(day) - RoadmapScene::nameColumnWidth - room / 2.0));
   });
   connect(issues_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
     if (item == nullptr) return;

@@ -72,8 +72,8 @@ Project createRoadmapSample(BoardService& board, Store& store, Timestamp now, in
 
     // Finished work in the first phase, spread over the last twelve weeks;
     // open work everywhere but in the done area.
-    const int finished = phase == 0 ? 3 + area % 4 : 0;
-    const int open = lastArea && phase == 0 ? 0 : 6 + (k * 7) % 13;
+    const int finished = phase == 0 ? 5 + area % 4 : 0;
+    const int open = lastArea && phase == 0 ? 0 : 5 + (k * 7) % 11;
     for (int n = 0; n < finished + open; ++n) {
       NewTicket ticket;
       ticket.title = name + " task " + std::to_string(n + 1);
