@@ -306,6 +306,13 @@ void RoadmapViewTest::doubleClickOpensTheFormAndTheListSelects() {
     QVERIFY(visible.intersects(scene.bar(*epic)->sceneBoundingRect()));
   }
 
+  // Chosen again after another epic was picked on the time line.
+  const std::optional<Uuid> last = scene.selectedEpic();
+  scene.selectEpic(f.snapshot(project).epics.front().id);
+  QTest::mouseClick(issues->viewport(), Qt::LeftButton, Qt::NoModifier,
+                    issues->visualItemRect(issues->currentItem()).center());
+  QCOMPARE(scene.selectedEpic(), last);
+
   const Epic epic = f.snapshot(project).epics.at(5);
   EpicBarItem* bar = scene.bar(epic.id);
   view.selectEpic(epic.id);

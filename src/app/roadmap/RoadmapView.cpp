@@ -116,10 +116,14 @@ RoadmapView::RoadmapView(AppContext& context, QWidget* parent) : ProjectViewBase
     timeline_->horizontalScrollBar()->setValue(
         static_cast<int>(scene_->xOf(day) - RoadmapScene::nameColumnWidth - room / 2.0));
   });
-  connect(issues_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
+  // A line selects its epic, also when it is chosen again after a click on
+  // the time line.
+  const auto choose = [this](QListWidgetItem* item) {
     if (item == nullptr) return;
     if (const std::optional<Uuid> epic = idFrom(item->data(idRole))) selectEpic(*epic);
-  });
+  };
+  connect(issues_, &QListWidget::currentItemChanged, this, choose);
+  connect(issues_, &QListWidget::itemClicked, this, choose);
   connect(scene_, &RoadmapScene::epicActivated, this, &RoadmapView::editEpic);
   connect(scene_, &RoadmapScene::startDragged, this, &RoadmapView::moveStart);
   connect(scene_, &QGraphicsScene::selectionChanged, timeline_->viewport(), qOverload<>(&QWidget::update));
