@@ -12,6 +12,7 @@
 #include <QMouseEvent>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QStackedWidget>
 #include <QTest>
 #include <set>
 
@@ -339,6 +340,15 @@ void RoadmapViewTest::saysWhatToDoWithoutEpics() {
   settle(view);
   QCOMPARE(view.scene()->bars().size(), std::size_t{1});
   QVERIFY(view.scene()->bars().front()->isDone());
+  // Another project: nothing of this one stays on screen while it is scheduled.
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  view.showProject(demo);
+  view.reloadNow();
+  QVERIFY(view.isComputing());
+  QCOMPARE(view.findChild<QStackedWidget*>()->currentWidget(), view.findChild<QLabel*>("roadmapEmpty"));
+  QCOMPARE(view.findChild<QLabel*>("roadmapEmpty")->text(), QStringLiteral("Scheduling the epics…"));
+  settle(view);
+  QCOMPARE(view.scene()->bars().size(), f.snapshot(demo).epics.size());
 }
 
 QTEST_MAIN(RoadmapViewTest)

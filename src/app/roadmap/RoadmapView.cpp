@@ -138,6 +138,7 @@ RoadmapView::~RoadmapView() = default;
 void RoadmapView::showEmpty(const QString& text) {
   runs_.skip();
   picture_.reset();
+  drawnFor_.reset();
   empty_->setText(text);
   pages_->setCurrentIndex(0);
   emit roadmapShown();
@@ -169,7 +170,11 @@ void RoadmapView::reload() {
   }
   reading->statuses = epicStatuses(*shown_, context_.now(), context_.calendar());
   for (const Milestone& milestone : shown_->milestones) reading->milestoneNames[milestone.id] = milestone.name;
-  if (!picture_) heading_->setText(QStringLiteral("Scheduling the epics…"));
+  if (!picture_ || drawnFor_ != shown_->project.id) {
+    // Nothing of another project stays on screen meanwhile.
+    empty_->setText(QStringLiteral("Scheduling the epics…"));
+    pages_->setCurrentIndex(0);
+  }
 
   const RoadmapForecastInput input = reading->input;
   const std::shared_ptr<const ProjectSnapshot> snap = shown_;
