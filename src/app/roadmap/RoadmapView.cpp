@@ -257,16 +257,18 @@ void RoadmapView::editEpic(const Uuid& id) {
 }
 
 void RoadmapView::moveStart(const Uuid& id, const CivilDate& day) {
-  if (!shown_) return;
-  const Epic* epic = shown_->epic(id);
-  if (!epic) return;
-  // Everything else of the epic stays; a start after the due date is the
-  // service's to refuse, in its own words.
-  const Epic kept = *epic;
+  if (!project()) return;
+  const Uuid projectId = *project();
+  // Everything else of the epic stays as the store holds it now, even if
+  // the screen has not caught up with a change yet; a start after the due
+  // date is the service's to refuse, in its own words.
   context_.perform(
       QStringLiteral("Change planned start"),
       [&](BoardService& s) {
-        s.updateEpic(id, kept.name, kept.details, localNoon(day, context_.calendar()), kept.dueDate, kept.colorHex);
+        const std::optional<ProjectSnapshot> now = s.snapshot(projectId);
+        const Epic* epic = now ? now->epic(id) : nullptr;
+        if (epic == nullptr) throw MissingRecordError("That epic no longer exists.");
+        s.updateEpic(id, epic->name, epic->details, localNoon(day, context_.calendar()), epic->dueDate, epic->colorHex);
       },
       this);
 }
