@@ -253,6 +253,10 @@ void RoadmapViewTest::draggingTheStartChangesThePlannedStartInOneUndoStep() {
   QVERIFY(epic != nullptr && epic->startDate && epic->dueDate);
   const CivilDate planned = civilDateFromLocal(*epic->startDate, f.context->calendar());
   const CivilDate due = civilDateFromLocal(*epic->dueDate, f.context->calendar());
+  // Renamed by another writer after the view read the project: the drag
+  // must not write the old name back.
+  const std::string renamed = "Accounts build, renamed elsewhere";
+  f.board().updateEpic(epic->id, renamed, epic->details, epic->startDate, epic->dueDate, epic->colorHex);
 
   struct Case {
     std::int64_t days;
@@ -268,6 +272,7 @@ void RoadmapViewTest::draggingTheStartChangesThePlannedStartInOneUndoStep() {
     const CivilDate start = civilDateFromLocal(*after.startDate, f.context->calendar());
     if (c.accepted) {
       QCOMPARE(start, planned.addingDays(c.days));
+      QCOMPARE(after.name, renamed);
       QCOMPARE(f.context->undoHistory().undoLabel(), QStringLiteral("Change planned start"));
       settle(view);
       QCOMPARE(scene.bar(epic->id)->startX(), scene.xOf(start));
