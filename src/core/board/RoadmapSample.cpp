@@ -1,5 +1,6 @@
 #include "core/board/RoadmapSample.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -29,7 +30,14 @@ Project createRoadmapSample(BoardService& board, Store& store, Timestamp now, in
   };
   const auto instant = [&](double daysAgo) { return Timestamp{now.secondsSince1970 - daysAgo * secondsPerDay}; };
 
-  const Project project = board.createProject("Forty epics", std::string_view("FRT"), instant(100));
+  // A second sample in the same store is numbered, as the demo project is.
+  const std::string base = "Plan of " + std::to_string(epicCount) + " epics";
+  std::string projectName = base;
+  const std::vector<Project> projects = board.projects();
+  for (int n = 2;
+       std::any_of(projects.begin(), projects.end(), [&](const Project& p) { return p.name == projectName; }); ++n)
+    projectName = base + " " + std::to_string(n);
+  const Project project = board.createProject(projectName, std::string_view("PLAN"), instant(100));
   const ProjectSnapshot fresh = *board.snapshot(project.id);
   const BoardColumn* doneColumn = nullptr;
   const BoardColumn* workColumn = nullptr;
