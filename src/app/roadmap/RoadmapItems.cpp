@@ -171,7 +171,6 @@ DependencyArrowItem::DependencyArrowItem(const RoadmapArrow& arrow, const EpicBa
   pen.setJoinStyle(Qt::RoundJoin);
   setPen(pen);
   setZValue(onLongestChain_ ? 1.5 : 1);
-  setToolTip(QStringLiteral("Waits for the epic at the tail of the arrow"));
 }
 
 }  // namespace orvane::app

@@ -205,7 +205,11 @@ void RoadmapScene::showPicture(const RoadmapPicture& picture, RoadmapZoom zoom) 
   for (const RoadmapArrow& arrow : picture_.arrows) {
     const EpicBarItem* from = bar(arrow.predecessor);
     const EpicBarItem* to = bar(arrow.successor);
-    if (from && to) addItem(new DependencyArrowItem(arrow, *from, *to));
+    if (!from || !to) continue;
+    auto* item = new DependencyArrowItem(arrow, *from, *to);
+    item->setToolTip(QStringLiteral("“%1” waits for “%2”")
+                         .arg(picture_.bar(arrow.successor)->name, picture_.bar(arrow.predecessor)->name));
+    addItem(item);
   }
 }
 
