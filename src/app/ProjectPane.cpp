@@ -14,6 +14,7 @@
 #include "app/SnapshotCache.h"
 #include "app/TicketListView.h"
 #include "app/forecast/ForecastView.h"
+#include "app/roadmap/RoadmapView.h"
 
 namespace orvane::app {
 
@@ -34,13 +35,7 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   install(ProjectViewMode::board, board_);
   install(ProjectViewMode::list, list_);
   install(ProjectViewMode::calendar, calendar_);
-  install(
-      ProjectViewMode::roadmap,
-      new PlaceholderView(
-          context_, QStringLiteral("Roadmap"),
-          QStringLiteral("This view will show every epic on a time line, scheduled along its dependencies, with its "
-                         "50% and 85% finish dates and the chance of meeting its due date."),
-          stack_));
+  install(ProjectViewMode::roadmap, new RoadmapView(context_, stack_));
   auto* epics = new EpicsView(context_, stack_);
   auto* iterations = new IterationsView(context_, stack_);
   install(ProjectViewMode::epics, epics);

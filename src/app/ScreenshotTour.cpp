@@ -8,6 +8,7 @@
 #include <QEventLoop>
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -45,6 +46,8 @@
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ForecastView.h"
 #include "app/forecast/LogForecastDialog.h"
+#include "app/roadmap/RoadmapView.h"
+#include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 
 namespace orvane::app {
@@ -64,6 +67,17 @@ void awaitForecast(View& view) {
   while (view.isComputing()) {
     QEventLoop loop;
     QObject::connect(&view, &View::forecastShown, &loop, &QEventLoop::quit);
+    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+}
+
+// Lets the roadmap's simulations, which run in the thread pool, arrive.
+void awaitRoadmap(QWidget* view) {
+  auto* roadmap = qobject_cast<RoadmapView*>(view);
+  while (roadmap != nullptr && roadmap->isComputing()) {
+    QEventLoop loop;
+    QObject::connect(roadmap, &RoadmapView::roadmapShown, &loop, &QEventLoop::quit);
     QTimer::singleShot(1000, &loop, &QEventLoop::quit);
     loop.exec();
   }
@@ -170,6 +184,7 @@ int ScreenshotTour::run() {
     // The planning views show forecasts too: grab them with the numbers in.
     if (auto* epics = qobject_cast<EpicsView*>(window_.pane()->view(mode))) awaitForecast(*epics);
     if (auto* iterations = qobject_cast<IterationsView*>(window_.pane()->view(mode))) awaitForecast(*iterations);
+    awaitRoadmap(window_.pane()->view(mode));
     save(&window_, QStringLiteral("%1-%2").arg(index++, 2, 10, QChar('0')).arg(title(mode).toLower()));
   }
 
@@ -380,7 +395,39 @@ int ScreenshotTour::run() {
       rename->reject();
     }
   }
+  tourRoadmap(project);
   return failures_ == 0 ? 0 : 1;
+}
+
+void ScreenshotTour::tourRoadmap(const std::optional<Uuid>& demo) {
+  // The demo's roadmap by weeks and by quarters, then a generated plan of
+  // 40 epics: its top, and its list of risks and overlaps with one chosen.
+  auto* roadmap = qobject_cast<RoadmapView*>(window_.pane()->view(ProjectViewMode::roadmap));
+  auto* zoom = roadmap != nullptr ? roadmap->findChild<QComboBox*>(QStringLiteral("roadmapZoom")) : nullptr;
+  if (zoom == nullptr) return;
+  if (demo) {
+    window_.selectProject(*demo);
+    window_.setViewMode(ProjectViewMode::roadmap);
+    awaitRoadmap(roadmap);
+    for (const int z : {0, 2}) {
+      zoom->setCurrentIndex(z);
+      save(&window_, QStringLiteral("04-roadmap-%1").arg(zoom->currentText().toLower()));
+    }
+    zoom->setCurrentIndex(1);
+  }
+  const Project sample = createRoadmapSample(context_.board(), context_.store(), context_.now());
+  context_.notifyStoreChanged();
+  window_.selectProject(sample.id);
+  window_.setViewMode(ProjectViewMode::roadmap);
+  awaitRoadmap(roadmap);
+  save(&window_, QStringLiteral("04-roadmap-40-epics"));
+  if (auto* issues = roadmap->findChild<QListWidget*>(QStringLiteral("roadmapIssues")); issues && issues->count() > 2) {
+    issues->setCurrentRow(2);
+    save(&window_, QStringLiteral("04-roadmap-40-epics-chosen-risk"));
+  }
+  zoom->setCurrentIndex(2);
+  save(&window_, QStringLiteral("04-roadmap-40-epics-quarters"));
+  zoom->setCurrentIndex(1);
 }
 
 }  // namespace orvane::app

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <filesystem>
+#include <optional>
 
 #include "core/model/Uuid.h"
 
@@ -33,6 +34,7 @@ class ScreenshotTour : public QObject {
   // Logs forecasts of `project` (one two weeks back, two today through the
   // sheet) and saves the log and accuracy page.
   void logForecasts(ForecastView& forecast, const Uuid& project);
+  void tourRoadmap(const std::optional<Uuid>& demo);
 
   AppContext& context_;
   MainWindow& window_;
