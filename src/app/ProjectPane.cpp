@@ -13,6 +13,7 @@
 #include "app/PlaceholderView.h"
 #include "app/SnapshotCache.h"
 #include "app/TicketListView.h"
+#include "app/flow/FlowView.h"
 #include "app/forecast/ForecastView.h"
 
 namespace orvane::app {
@@ -46,13 +47,8 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   install(ProjectViewMode::epics, epics);
   install(ProjectViewMode::iterations, iterations);
   install(ProjectViewMode::forecast, new ForecastView(context_, stack_));
-  install(
-      ProjectViewMode::flow,
-      new PlaceholderView(
-          context_, QStringLiteral("Flow"),
-          QStringLiteral("This view will show weekly throughput, cycle time with its percentiles, the age of the work "
-                         "in progress and the cumulative flow of the board."),
-          stack_));
+  auto* flow = new FlowView(context_, stack_);
+  install(ProjectViewMode::flow, flow);
   install(ProjectViewMode::archived, archived_);
 
   connect(filterBar_, &FilterBar::filterChanged, this, &ProjectPane::applyFilter);
@@ -61,6 +57,7 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   connect(calendar_, &CalendarView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(archived_, &ArchivedView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(iterations, &IterationsView::openTicketRequested, this, &ProjectPane::openTicketRequested);
+  connect(flow, &FlowView::openTicketRequested, this, &ProjectPane::openTicketRequested);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

@@ -39,6 +39,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/WipLimitField.h"
+#include "app/flow/FlowView.h"
 #include "app/forecast/ForecastView.h"
 
 namespace orvane::app {
@@ -155,6 +156,22 @@ int ScreenshotTour::run() {
       scope->setCurrentIndex(0);
       awaitForecast(*forecast);
     }
+  }
+
+  // The flow over 12 and 52 weeks: the tiles with the health beside them,
+  // then scrolled down to the charts.
+  window_.setViewMode(ProjectViewMode::flow);
+  if (auto* flow = qobject_cast<FlowView*>(window_.pane()->view(ProjectViewMode::flow))) {
+    auto* scroll = flow->findChild<QScrollArea*>();
+    for (const std::int64_t weeks : {12, 52}) {
+      flow->setWeeks(weeks);
+      scroll->verticalScrollBar()->setValue(0);
+      save(&window_, QStringLiteral("08-flow-%1-weeks").arg(weeks));
+      scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+      save(&window_, QStringLiteral("08-flow-%1-weeks-charts").arg(weeks));
+    }
+    flow->setWeeks(FlowScreen::defaultWeeks);
+    scroll->verticalScrollBar()->setValue(0);
   }
 
   window_.setViewMode(ProjectViewMode::board);

@@ -25,7 +25,7 @@ constexpr std::string_view flowUsage =
     "each finished ticket with its percentiles, the age of the work in progress\n"
     "and the cumulative flow of backlog, in progress and done per day.\n"
     "\n"
-    "  --weeks W  4, 8, 12 or 26 (default 12)\n"
+    "  --weeks W  4, 8, 12, 26 or 52 (default 12)\n"
     "  --json     print one JSON object: {project, asOf, weeks, tiles,\n"
     "             averageWeeklyThroughput, weeklyThroughput, cycleTimes, summary,\n"
     "             ages, cumulative, note}\n"
@@ -39,7 +39,7 @@ std::int64_t weeksOption(const ParsedOptions& parsed) {
   for (const std::int64_t choice : FlowScreen::weekChoices) {
     if (*text == std::to_string(choice)) return choice;
   }
-  throw CliError("--weeks must be 4, 8, 12 or 26.");
+  throw CliError("--weeks must be 4, 8, 12, 26 or 52.");
 }
 
 std::string oneDecimal(double value) {

@@ -77,8 +77,8 @@ TEST_F(FlowCommand, RefusesBadArguments) {
     std::vector<std::string> args;
     const char* message;
   } cases[] = {
-      {{"flow", demo.key, "--weeks", "5"}, "--weeks must be 4, 8, 12 or 26.\n"},
-      {{"flow", demo.key, "--weeks", "12x"}, "--weeks must be 4, 8, 12 or 26.\n"},
+      {{"flow", demo.key, "--weeks", "5"}, "--weeks must be 4, 8, 12, 26 or 52.\n"},
+      {{"flow", demo.key, "--weeks", "12x"}, "--weeks must be 4, 8, 12, 26 or 52.\n"},
   };
   for (const auto& c : cases) {
     const CliRun result = run(c.args);

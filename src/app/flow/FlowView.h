@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "app/ProjectViewBase.h"
+#include "core/metrics/FlowScreen.h"
+
+class QComboBox;
+class QLabel;
+
+namespace orvane::app {
+
+class ChartCard;
+class FlowAgeChart;
+class FlowCumulativeChart;
+class FlowCycleTimeChart;
+class FlowHealthPanel;
+class FlowThroughputChart;
+class FlowTiles;
+
+// How work flows through the project over the last W weeks (UTC weeks
+// ending today): four tiles, the flow-health verdict beside them, and the
+// throughput, cycle time, work item age and cumulative flow charts. A range
+// dragged on the cumulative flow is summed up under it. Everything is
+// recomputed from the snapshot on each reload, so a change in the store
+// redraws the screen.
+class FlowView : public ProjectViewBase {
+  Q_OBJECT
+
+ public:
+  FlowView(AppContext& context, QWidget* parent);
+
+  // The weeks shown: one of FlowScreen::weekChoices.
+  std::int64_t weeks() const;
+  void setWeeks(std::int64_t weeks);
+
+ signals:
+  void openTicketRequested(const orvane::Uuid& ticket);
+  // The screen shows the store as of its last reload.
+  void redrawn();
+
+ protected:
+  void reload() override;
+
+ private:
+  void redraw();
+  void showRange(int first, int last);
+
+  QComboBox* weeks_ = nullptr;
+  FlowTiles* tiles_ = nullptr;
+  FlowHealthPanel* health_ = nullptr;
+  ChartCard* throughputCard_ = nullptr;
+  ChartCard* cycleCard_ = nullptr;
+  ChartCard* ageCard_ = nullptr;
+  ChartCard* cumulativeCard_ = nullptr;
+  FlowThroughputChart* throughput_ = nullptr;
+  FlowCycleTimeChart* cycle_ = nullptr;
+  FlowAgeChart* age_ = nullptr;
+  FlowCumulativeChart* cumulative_ = nullptr;
+  QLabel* range_ = nullptr;
+  QLabel* problem_ = nullptr;
+
+  std::vector<FlowTicket> tickets_;
+  FlowScreen::Figures figures_;
+};
+
+}  // namespace orvane::app
