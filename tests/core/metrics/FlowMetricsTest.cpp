@@ -165,7 +165,6 @@ TEST(FlowScreenTiles, FormatsAndEmptyTexts) {
   EXPECT_EQ(FlowScreen::inProgressCaption(f), "oldest 12 d");
 }
 
-// flowTickets and the epic queries over a real store.
 TEST(FlowRangeSummary, AverageWipArrivalsAndDeparturesOverChosenDays) {
   const CivilDate d0{2026, 2, 23};
   const Timestamp created = midnight(d0.addingDays(-10));
@@ -201,6 +200,7 @@ TEST(FlowRangeSummary, AverageWipArrivalsAndDeparturesOverChosenDays) {
   EXPECT_FALSE(flowRange(tickets, d0.addingDays(1), d0).has_value());
 }
 
+// flowTickets and the epic queries over a real store.
 TEST(FlowMetricsProject, SnapshotToFlowTicketsAndEpicProgress) {
   testing::TempStore t;
   BoardService& s = t.service;
