@@ -48,12 +48,17 @@ struct XmRChart {
   friend bool operator==(const XmRChart&, const XmRChart&) = default;
 };
 
+// "beyondLimit", "runOfEight", "nearLimit", "movingRangeBeyondLimit".
+std::string_view rawValue(XmRSignal::Kind kind);
+
 // Absent with fewer than two values (no moving range).
 std::optional<XmRChart> xmrChart(std::span<const double> values);
 
 // The signals in words, one sentence each, or one sentence that there is
 // none; `measure` starts each ("Weekly throughput") and `labels` name the
-// values ("the week ending 5 Mar"), one per value. Without a chart, one
+// values ("the week ending 5 Mar"), one per value. Points beyond one limit
+// are one sentence, and so are the moving ranges beyond theirs; a
+// near-limit span inside a run on its side is left to the run's sentence. Without a chart, one
 // sentence that there are too few values. The no-signal sentence gives the
 // lower limit as no less than 0: every measure charted here is a count or a
 // duration.

@@ -70,6 +70,20 @@ TEST(ProcessBehaviour, SignalsOfEachRuleInWords) {
        {"M: 9 values in a row, from w1 to w9, are below the mean of 3.9.",
         "M: the change from w9 to w10 (9) is above the moving-range limit of 3.3.",
         "M: w10 (12) is above the upper natural process limit of 6.6."}},
+      // Mean 7/3, average moving range 8/11: upper limit 4.268, moving-range
+      // limit 2.377, lower midline 1.366. Ten 1s below the mean and near
+      // the lower limit (said by the run alone), then a jump to two 9s beyond
+      // the upper limit, said together.
+      {"points beyond a limit are said together",
+       {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 9, 9},
+       {{Kind::runOfEight, 0, 9, false},
+        {Kind::nearLimit, 0, 9, false},
+        {Kind::movingRangeBeyondLimit, 9, 10, true},
+        {Kind::beyondLimit, 10, 10, true},
+        {Kind::beyondLimit, 11, 11, true}},
+       {"M: 10 values in a row, from w1 to w10, are below the mean of 2.3.",
+        "M: the change from w10 to w11 (8) is above the moving-range limit of 2.4.",
+        "M: 2 values are above the upper natural process limit of 4.3: w11 to w12."}},
       // Mean 26/9, average moving range 1.25: upper limit 6.214, midline
       // 4.551; only the window 5..8 holds three values past it; the jump of
       // 4 stays under the moving-range limit 4.085.
