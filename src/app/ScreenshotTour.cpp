@@ -159,16 +159,25 @@ int ScreenshotTour::run() {
   }
 
   // The flow over 12 and 52 weeks: the tiles with the health beside them,
-  // then scrolled down to the charts.
+  // then scrolled down to each group of charts in turn.
   window_.setViewMode(ProjectViewMode::flow);
   if (auto* flow = qobject_cast<FlowView*>(window_.pane()->view(ProjectViewMode::flow))) {
     auto* scroll = flow->findChild<QScrollArea*>();
+    const std::pair<const char*, const char*> parts[] = {{"charts", "workItemAgeCard"},
+                                                         {"over-time", "wipRunCard"},
+                                                         {"behaviour", "cycleTimeXmRCard"},
+                                                         {"stability", "stabilityCard"}};
     for (const std::int64_t weeks : {12, 52}) {
       flow->setWeeks(weeks);
       scroll->verticalScrollBar()->setValue(0);
       save(&window_, QStringLiteral("08-flow-%1-weeks").arg(weeks));
-      scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
-      save(&window_, QStringLiteral("08-flow-%1-weeks-charts").arg(weeks));
+      for (const auto& [part, widget] : parts) {
+        if (auto* shown = flow->findChild<QWidget*>(QLatin1String(widget))) {
+          settle();
+          scroll->ensureWidgetVisible(shown, 0, 0);
+          save(&window_, QStringLiteral("08-flow-%1-weeks-%2").arg(weeks).arg(QLatin1String(part)));
+        }
+      }
     }
     flow->setWeeks(FlowScreen::defaultWeeks);
     scroll->verticalScrollBar()->setValue(0);

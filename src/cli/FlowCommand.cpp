@@ -64,7 +64,7 @@ json measureJson(const BehaviourMeasure& m) {
   json chart = nullptr;
   if (m.chart) {
     json signals = json::array();
-    for (const XmRSignal& s : m.chart->signals) {
+    for (const XmRSignal& s : m.chart->detected) {
       signals.push_back({{"kind", rawValue(s.kind)}, {"first", s.first}, {"last", s.last}, {"above", s.above}});
     }
     chart = {{"values", m.chart->values},

@@ -81,7 +81,7 @@ TEST_F(FlowCommand, JsonCarriesTheAnalysesOfTheSameWeeks) {
     ASSERT_TRUE(measure->chart.has_value());
     EXPECT_EQ(m["chart"]["values"], measure->chart->values);
     EXPECT_EQ(m["chart"]["upperLimit"], measure->chart->upperLimit);
-    EXPECT_EQ(m["chart"]["signals"].size(), measure->chart->signals.size());
+    EXPECT_EQ(m["chart"]["signals"].size(), measure->chart->detected.size());
   }
   EXPECT_EQ(flow["processBehaviour"]["throughput"]["chart"]["values"][51], flow["weeklyThroughput"][51]["count"]);
   EXPECT_EQ(flow["littlesLaw"]["from"], figures.cumulative.front().date.description());

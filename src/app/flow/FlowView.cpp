@@ -11,10 +11,13 @@
 
 #include "app/AppContext.h"
 #include "app/charts/FlowAgeChart.h"
+#include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowChartParts.h"
 #include "app/charts/FlowCumulativeChart.h"
 #include "app/charts/FlowCycleTimeChart.h"
 #include "app/charts/FlowThroughputChart.h"
+#include "app/charts/FlowWipRunChart.h"
+#include "app/charts/FlowXmRChart.h"
 #include "app/flow/ChartCard.h"
 #include "app/flow/FlowHealthPanel.h"
 #include "app/flow/FlowTiles.h"
@@ -86,6 +89,7 @@ FlowView::FlowView(AppContext& context, QWidget* parent) : ProjectViewBase(conte
   cards->setColumnStretch(0, 1);
   cards->setColumnStretch(1, 1);
   column->addLayout(cards);
+  column->addWidget(buildAnalyses(page));
   column->addStretch(1);
 
   connect(cycle_, &FlowCycleTimeChart::ticketClicked, this, &FlowView::openTicketRequested);
@@ -99,6 +103,78 @@ FlowView::FlowView(AppContext& context, QWidget* parent) : ProjectViewBase(conte
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(scroll);
+}
+
+QWidget* FlowView::buildAnalyses(QWidget* page) {
+  auto* section = new QWidget(page);
+  auto* column = new QVBoxLayout(section);
+  column->setContentsMargins(0, 6, 0, 0);
+  column->setSpacing(10);
+
+  arrivals_ = new FlowArrivalsChart(section);
+  wipRun_ = new FlowWipRunChart(section);
+  auto* overTime = new QHBoxLayout;
+  overTime->setSpacing(10);
+  overTime->addWidget(new ChartCard(QStringLiteral("arrivalsCard"), QStringLiteral("Started against finished"),
+                                    arrivals_, QString(), section),
+                      1);
+  overTime->addWidget(
+      new ChartCard(QStringLiteral("wipRunCard"), QStringLiteral("Work in progress"), wipRun_, QString(), section), 1);
+  column->addLayout(overTime);
+
+  auto* heading = new QLabel(QStringLiteral("Process behaviour"), section);
+  QFont bold = heading->font();
+  bold.setBold(true);
+  bold.setPointSizeF(bold.pointSizeF() * 1.2);
+  heading->setFont(bold);
+  column->addWidget(heading);
+  auto* explanation = new QLabel(
+      QStringLiteral("A real change, not noise, shows as a signal (in red): a value beyond a natural process limit "
+                     "(the mean ± 2.66 × the average moving range), eight values in a row on one side of "
+                     "the mean, or three of four in a row nearer a limit than the mean. Without a signal, read no "
+                     "trend into the ups and downs."),
+      section);
+  explanation->setWordWrap(true);
+  column->addWidget(explanation);
+  throughputXmR_ = new FlowXmRChart(QStringLiteral("throughputXmR"), section);
+  arrivalsXmR_ = new FlowXmRChart(QStringLiteral("arrivalsXmR"), section);
+  wipXmR_ = new FlowXmRChart(QStringLiteral("wipXmR"), section);
+  cycleXmR_ = new FlowXmRChart(QStringLiteral("cycleTimeXmR"), section);
+  auto* grid = new QGridLayout;
+  grid->setSpacing(10);
+  const std::pair<FlowXmRChart*, QString> charts[] = {{throughputXmR_, QStringLiteral("Weekly throughput")},
+                                                      {arrivalsXmR_, QStringLiteral("Weekly arrivals")},
+                                                      {wipXmR_, QStringLiteral("Daily work in progress")},
+                                                      {cycleXmR_, QStringLiteral("Cycle time")}};
+  for (int i = 0; i < 4; ++i) {
+    grid->addWidget(new ChartCard(charts[i].first->objectName() + QStringLiteral("Card"), charts[i].second,
+                                  charts[i].first, QString(), section),
+                    i / 2, i % 2);
+  }
+  grid->setColumnStretch(0, 1);
+  grid->setColumnStretch(1, 1);
+  column->addLayout(grid);
+
+  auto* stability = new QFrame(section);
+  stability->setObjectName(QStringLiteral("stabilityCard"));
+  stability->setFrameShape(QFrame::StyledPanel);
+  auto* stabilityColumn = new QVBoxLayout(stability);
+  stabilityColumn->setContentsMargins(12, 8, 12, 8);
+  auto* stabilityHeading = new QLabel(QStringLiteral("Stability and predictability"), stability);
+  QFont cardFont = stabilityHeading->font();
+  cardFont.setBold(true);
+  stabilityHeading->setFont(cardFont);
+  stabilityColumn->addWidget(stabilityHeading);
+  for (QLabel** label : {&littlesLaw_, &predictability_}) {
+    *label = new QLabel(stability);
+    (*label)->setWordWrap(true);
+    (*label)->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    stabilityColumn->addWidget(*label);
+  }
+  littlesLaw_->setObjectName(QStringLiteral("littlesLaw"));
+  predictability_->setObjectName(QStringLiteral("predictability"));
+  column->addWidget(stability);
+  return section;
 }
 
 std::int64_t FlowView::weeks() const { return weeks_->currentData().toLongLong(); }
@@ -135,6 +211,19 @@ void FlowView::redraw() {
   age_->showAges(figures_.ages, figures_.summary ? std::optional<double>(figures_.summary->p85) : std::nullopt);
   ageCard_->showEmpty(figures_.ages.empty());
   cumulative_->showDays(figures_.cumulative);
+
+  analysis_ = FlowAnalyses::analyse(tickets_, figures_, FlowAnalyses::wipLimitSum(*project));
+  arrivals_->showWeeks(analysis_.weeks);
+  wipRun_->showDays(figures_.cumulative, analysis_.wipLimitSum);
+  QStringList weekLabels, dayLabels, references;
+  for (const WeekFlow& week : analysis_.weeks) weekLabels << qtext(week.end.displayShort());
+  for (const FlowDay& day : figures_.cumulative) dayLabels << qtext(day.date.displayShort());
+  for (const CycleTimePoint& point : figures_.cyclePoints) references << qtext(point.reference);
+  throughputXmR_->showMeasure(analysis_.throughput, weekLabels, QStringLiteral("Tickets finished"));
+  arrivalsXmR_->showMeasure(analysis_.arrivals, weekLabels, QStringLiteral("Tickets started"));
+  wipXmR_->showMeasure(analysis_.wip, dayLabels, QStringLiteral("Tickets in progress"));
+  cycleXmR_->showMeasure(analysis_.cycleTime, references, QStringLiteral("Days"));
+  predictability_->setText(qtext(analysis_.predictabilitySentence));
   showRange(0, static_cast<int>(figures_.cumulative.size()) - 1);
   emit redrawn();
 }
@@ -150,6 +239,9 @@ void FlowView::showRange(int first, int last) {
   QString text = range ? qtext(flowRangeSentence(*range)) : QString();
   if (!cumulative_->chosenRange()) text += QStringLiteral(" Drag across the chart to choose other days.");
   range_->setText(text);
+  // Little's law over the same days: the whole weeks until a range is chosen.
+  littlesLaw_->setText(range ? qtext(FlowAnalyses::littlesLawSentence(FlowAnalyses::littlesLaw(tickets_, *range)))
+                             : QString());
 }
 
 }  // namespace orvane::app

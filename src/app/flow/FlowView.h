@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/ProjectViewBase.h"
+#include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowScreen.h"
 
 class QComboBox;
@@ -13,6 +14,9 @@ namespace orvane::app {
 
 class ChartCard;
 class FlowAgeChart;
+class FlowArrivalsChart;
+class FlowWipRunChart;
+class FlowXmRChart;
 class FlowCumulativeChart;
 class FlowCycleTimeChart;
 class FlowHealthPanel;
@@ -21,8 +25,11 @@ class FlowTiles;
 
 // How work flows through the project over the last W weeks (UTC weeks
 // ending today): four tiles, the flow-health verdict beside them, and the
-// throughput, cycle time, work item age and cumulative flow charts. A range
-// dragged on the cumulative flow is summed up under it. Everything is
+// throughput, cycle time, work item age and cumulative flow charts; below
+// them started against finished, work in progress over time, process
+// behaviour charts of four measures, Little's law and the predictability of
+// cycle time. A range dragged on the cumulative flow is summed up under it
+// and Little's law is checked over it. Everything is
 // recomputed from the snapshot on each reload, so a change in the store
 // redraws the screen.
 class FlowView : public ProjectViewBase {
@@ -46,6 +53,7 @@ class FlowView : public ProjectViewBase {
  private:
   void redraw();
   void showRange(int first, int last);
+  QWidget* buildAnalyses(QWidget* page);
 
   QComboBox* weeks_ = nullptr;
   FlowTiles* tiles_ = nullptr;
@@ -60,9 +68,18 @@ class FlowView : public ProjectViewBase {
   FlowCumulativeChart* cumulative_ = nullptr;
   QLabel* range_ = nullptr;
   QLabel* problem_ = nullptr;
+  FlowArrivalsChart* arrivals_ = nullptr;
+  FlowWipRunChart* wipRun_ = nullptr;
+  FlowXmRChart* throughputXmR_ = nullptr;
+  FlowXmRChart* arrivalsXmR_ = nullptr;
+  FlowXmRChart* wipXmR_ = nullptr;
+  FlowXmRChart* cycleXmR_ = nullptr;
+  QLabel* littlesLaw_ = nullptr;
+  QLabel* predictability_ = nullptr;
 
   std::vector<FlowTicket> tickets_;
   FlowScreen::Figures figures_;
+  FlowAnalysis analysis_;
 };
 
 }  // namespace orvane::app

@@ -35,7 +35,7 @@ void addRuns(XmRChart& chart) {
     std::size_t end = start + 1;
     while (end < n && side(chart.values[end], chart.mean) == s) ++end;
     if (s != 0 && end - start >= runLength)
-      chart.signals.push_back({XmRSignal::Kind::runOfEight, start, end - 1, s > 0});
+      chart.detected.push_back({XmRSignal::Kind::runOfEight, start, end - 1, s > 0});
     start = end;
   }
 }
@@ -62,12 +62,12 @@ void addNearLimit(XmRChart& chart, bool above) {
     if (open && i <= openWindowEnd) {
       open->last = std::max(open->last, last);
     } else {
-      if (open) chart.signals.push_back(*open);
+      if (open) chart.detected.push_back(*open);
       open = XmRSignal{XmRSignal::Kind::nearLimit, first, last, above};
     }
     openWindowEnd = i + 3;
   }
-  if (open) chart.signals.push_back(*open);
+  if (open) chart.detected.push_back(*open);
 }
 
 // Ascending indexes as spans of neighbours, "w3, w5 to w9", at most three
@@ -124,16 +124,16 @@ std::optional<XmRChart> xmrChart(std::span<const double> values) {
 
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (values[i] > chart.upperLimit || values[i] < chart.lowerLimit)
-      chart.signals.push_back({XmRSignal::Kind::beyondLimit, i, i, values[i] > chart.upperLimit});
+      chart.detected.push_back({XmRSignal::Kind::beyondLimit, i, i, values[i] > chart.upperLimit});
   }
   addRuns(chart);
   addNearLimit(chart, true);
   addNearLimit(chart, false);
   for (std::size_t i = 0; i < chart.movingRanges.size(); ++i) {
     if (chart.movingRanges[i] > chart.movingRangeLimit)
-      chart.signals.push_back({XmRSignal::Kind::movingRangeBeyondLimit, i, i + 1, true});
+      chart.detected.push_back({XmRSignal::Kind::movingRangeBeyondLimit, i, i + 1, true});
   }
-  std::stable_sort(chart.signals.begin(), chart.signals.end(), [](const XmRSignal& a, const XmRSignal& b) {
+  std::stable_sort(chart.detected.begin(), chart.detected.end(), [](const XmRSignal& a, const XmRSignal& b) {
     return a.first != b.first ? a.first < b.first : a.kind < b.kind;
   });
   return chart;
@@ -156,7 +156,7 @@ std::vector<std::string> xmrSentences(const std::optional<XmRChart>& chart, std:
   };
   std::vector<Sentence> sentences;
   std::vector<std::size_t> aboveUpper, belowLower, movingRanges;
-  for (const XmRSignal& s : chart->signals) {
+  for (const XmRSignal& s : chart->detected) {
     const std::string upperOrLower = s.above ? "upper" : "lower";
     switch (s.kind) {
       case XmRSignal::Kind::beyondLimit:
@@ -170,7 +170,7 @@ std::vector<std::string> xmrSentences(const std::optional<XmRChart>& chart, std:
         break;
       case XmRSignal::Kind::nearLimit: {
         // A run on the same side that covers the span already says the shift.
-        const bool covered = std::any_of(chart->signals.begin(), chart->signals.end(), [&](const XmRSignal& r) {
+        const bool covered = std::any_of(chart->detected.begin(), chart->detected.end(), [&](const XmRSignal& r) {
           return r.kind == XmRSignal::Kind::runOfEight && r.above == s.above && r.first <= s.first && s.last <= r.last;
         });
         if (covered) break;

@@ -41,9 +41,10 @@ struct XmRChart {
   double upperLimit = 0;
   double lowerLimit = 0;
   double movingRangeLimit = 0;
-  // Ordered by first index, then by kind. Runs and near-limit windows that
+  // The signals (not named so: Qt takes that word), ordered by first
+  // index, then by kind. Runs and near-limit windows that
   // overlap on one side are one signal; equal-to-the-mean breaks a run.
-  std::vector<XmRSignal> signals;
+  std::vector<XmRSignal> detected;
 
   friend bool operator==(const XmRChart&, const XmRChart&) = default;
 };

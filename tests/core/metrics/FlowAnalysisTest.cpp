@@ -41,7 +41,7 @@ TEST(ProcessBehaviour, LimitsFromTheAverageMovingRange) {
   EXPECT_NEAR(chart->upperLimit, 7.59, 1e-12);
   EXPECT_NEAR(chart->lowerLimit, -0.39, 1e-12);
   EXPECT_NEAR(chart->movingRangeLimit, 4.902, 1e-12);
-  EXPECT_TRUE(chart->signals.empty());
+  EXPECT_TRUE(chart->detected.empty());
   EXPECT_EQ(xmrSentences(chart, "Weekly throughput", labels(5)),
             (std::vector<std::string>{"Weekly throughput: no signal; the values vary between 0.0 and 7.6 by routine "
                                       "variation alone, so read no trend into them."}));
@@ -59,7 +59,7 @@ TEST(ProcessBehaviour, SignalsOfEachRuleInWords) {
   const struct {
     const char* name;
     std::vector<double> values;
-    std::vector<XmRSignal> signals;
+    std::vector<XmRSignal> detected;
     std::vector<std::string> sentences;
   } cases[] = {
       // Mean 3.9, average moving range 1: limits 6.56 and 1.24, moving-range
@@ -110,7 +110,7 @@ TEST(ProcessBehaviour, SignalsOfEachRuleInWords) {
     SCOPED_TRACE(c.name);
     const std::optional<XmRChart> chart = xmrChart(c.values);
     ASSERT_TRUE(chart.has_value());
-    EXPECT_EQ(chart->signals, c.signals);
+    EXPECT_EQ(chart->detected, c.detected);
     EXPECT_EQ(xmrSentences(chart, "M", labels(c.values.size())), c.sentences);
   }
 }
