@@ -16,11 +16,15 @@
 
 #include "app/AppFixture.h"
 #include "app/charts/FlowAgeChart.h"
+#include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowCumulativeChart.h"
 #include "app/charts/FlowCycleTimeChart.h"
 #include "app/charts/FlowThroughputChart.h"
+#include "app/charts/FlowWipRunChart.h"
+#include "app/charts/FlowXmRChart.h"
 #include "app/flow/ChartCard.h"
 #include "app/flow/FlowView.h"
+#include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowRange.h"
 #include "core/model/ProjectSnapshot.h"
 
@@ -136,6 +140,55 @@ void expectCommandLine(AppFixture& f, FlowView& view, const Uuid& project, std::
     QCOMPARE(areas[0]->upperSeries()->at(i).y(), days[i]["done"].toDouble());
     QCOMPARE(areas[2]->upperSeries()->at(i).y(), days[i]["total"].toDouble());
   }
+
+  // Started against finished: two bars a week and the running gap.
+  const QJsonArray flowWeeks = flow["arrivalsDepartures"].toArray();
+  const auto pairs = seriesOf<QBarSeries>(view.findChild<FlowArrivalsChart*>());
+  QCOMPARE(pairs.size(), 1);
+  QCOMPARE(pairs[0]->barSets().size(), 2);
+  const auto gap = seriesOf<QLineSeries>(view.findChild<FlowArrivalsChart*>());
+  QCOMPARE(gap.size(), 1);
+  for (int i = 0; i < flowWeeks.size(); ++i) {
+    QCOMPARE(pairs[0]->barSets()[0]->at(i), flowWeeks[i]["arrivals"].toDouble());
+    QCOMPARE(pairs[0]->barSets()[1]->at(i), flowWeeks[i]["departures"].toDouble());
+    QCOMPARE(gap[0]->at(i).y(), flowWeeks[i]["gap"].toDouble());
+  }
+
+  // Work in progress per day, with the limits' sum when there is one.
+  const QJsonObject wipRun = flow["wipRun"].toObject();
+  const auto wipLines = seriesOf<QLineSeries>(view.findChild<FlowWipRunChart*>());
+  QCOMPARE(wipLines.size(), wipRun["limitSum"].isNull() ? 1 : 2);
+  QCOMPARE(wipLines[0]->count(), static_cast<int>(wipRun["days"].toArray().size()));
+  QCOMPARE(wipLines[0]->at(wipLines[0]->count() - 1).y(), wipRun["days"].toArray().last()["wip"].toDouble());
+  if (!wipRun["limitSum"].isNull()) QCOMPARE(wipLines[1]->at(0).y(), wipRun["limitSum"].toDouble());
+
+  // Each process behaviour chart: its values, and its signals in words.
+  const QJsonObject behaviour = flow["processBehaviour"].toObject();
+  for (const QString name : {"throughput", "arrivals", "wip", "cycleTime"}) {
+    const QJsonObject measure = behaviour[name].toObject();
+    QStringList sentences;
+    for (const QJsonValue& sentence : measure["sentences"].toArray()) sentences << sentence.toString();
+    auto* chart = view.findChild<FlowXmRChart*>(name + "XmR");
+    QVERIFY2(chart != nullptr, qPrintable(name));
+    QCOMPARE(label(*chart, name + "XmRSentences"), sentences.join('\n'));
+    const auto lines = seriesOf<QLineSeries>(chart->findChild<QChartView*>(name + "XmRValues"));
+    if (measure["chart"].isNull()) {
+      QVERIFY(lines.isEmpty());
+      continue;
+    }
+    const QJsonArray values = measure["chart"]["values"].toArray();
+    QCOMPARE(lines.value(0)->count(), static_cast<int>(values.size()));
+    for (int i = 0; i < values.size(); ++i) QCOMPARE(lines[0]->at(i).y(), values[i].toDouble());
+    const auto marks = seriesOf<QScatterSeries>(chart->findChild<QChartView*>(name + "XmRValues"));
+    QCOMPARE(marks.size(), 1);
+    // Moving-range signals are marked on the chart below; the rest here.
+    bool valueSignals = false;
+    for (const QJsonValue& signal : measure["chart"]["signals"].toArray())
+      valueSignals |= signal["kind"].toString() != "movingRangeBeyondLimit";
+    QCOMPARE(marks[0]->count() > 0, valueSignals);
+  }
+  QCOMPARE(label(view, "littlesLaw"), flow["littlesLaw"]["sentence"].toString());
+  QCOMPARE(label(view, "predictability"), flow["predictability"]["sentence"].toString());
 }
 
 }  // namespace
@@ -269,6 +322,8 @@ void FlowViewTest::pointsAndBarsOpenTheirTicketAndARangeIsSummedUp() {
   const std::optional<FlowRange> range = flowRange(tickets, today.addingDays(-83 + 50), today.addingDays(-83 + 70));
   QVERIFY(range.has_value());
   QCOMPARE(label(view, "flowRange"), QString::fromStdString(flowRangeSentence(*range)));
+  QCOMPARE(label(view, "littlesLaw"),
+           QString::fromStdString(FlowAnalyses::littlesLawSentence(FlowAnalyses::littlesLaw(tickets, *range))));
 }
 
 QTEST_MAIN(FlowViewTest)
