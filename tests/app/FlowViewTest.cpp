@@ -15,6 +15,7 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/ExternalChangeWatcher.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowCumulativeChart.h"
@@ -200,6 +201,7 @@ class FlowViewTest : public QObject {
   void everyFigureEqualsTheCommandLineForEachWeekChoice();
   void anEmptyProjectShowsDashesAndEmptyTexts();
   void aStoreChangeRedrawsAndBreachesShowInRed();
+  void aMoveByTheCommandLineRedraws();
   void pointsAndBarsOpenTheirTicketAndARangeIsSummedUp();
 };
 
@@ -278,6 +280,37 @@ void FlowViewTest::aStoreChangeRedrawsAndBreachesShowInRed() {
   QVERIFY(f.context->perform(
       "Move", [&](BoardService& s) { s.moveTicket(inColumn.front()->id, done->id, std::nullopt, f.clock); }, nullptr));
   QCOMPARE(label(view, "inProgressTileValue"), QString::number(inProgress.toInt() - 1));
+  expectCommandLine(f, view, demo, 12);
+}
+
+void FlowViewTest::aMoveByTheCommandLineRedraws() {
+  AppFixture f;
+  const Uuid demo = f.board().loadDemoProject(f.clock).id;
+  FlowView view(*f.context, nullptr);
+  view.showProject(demo);
+  view.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&view));
+  ExternalChangeWatcher watcher(*f.context, nullptr);
+  QVERIFY(!watcher.check());
+
+  // The oldest item in progress is finished from the terminal; the next
+  // poll of the watcher redraws the view.
+  const ProjectSnapshot before = f.snapshot(demo);
+  const std::vector<AgePoint> ages = FlowMetrics::ages(flowTickets(before), f.clock);
+  QVERIFY(!ages.empty());
+  std::string done;
+  for (const BoardColumn& column : before.columns)
+    if (column.type() == ColumnType::done) done = column.name;
+  QProcess process;
+  process.start(QStringLiteral(ORVANE_CLI),
+                {"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
+                 "2026-03-04T10:00:00Z", "ticket", "move", QString::fromStdString(before.project.key),
+                 QString::fromStdString(ages.front().reference), QString::fromStdString(done)});
+  QVERIFY(process.waitForFinished(30000) && process.exitCode() == 0);
+  QSignalSpy redrawn(&view, &FlowView::redrawn);
+  QVERIFY(watcher.check());
+  QCOMPARE(redrawn.count(), 1);
+  QCOMPARE(label(view, "inProgressTileValue"), QString::number(ages.size() - 1));
   expectCommandLine(f, view, demo, 12);
 }
 
