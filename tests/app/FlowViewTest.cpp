@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineSeries>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QScatterSeries>
 #include <QSignalSpy>
@@ -347,8 +348,30 @@ void FlowViewTest::pointsAndBarsOpenTheirTicketAndARangeIsSummedUp() {
   QVERIFY(opened.back() == oldest.front().id);
   QVERIFY(ages->hoverText(0).startsWith(QString::fromStdString(oldest.front().reference + " " + oldest.front().title)));
 
-  // Chosen days of the cumulative flow are summed up under it.
+  // A drag across the middle half of the cumulative flow chooses its days.
   auto* cumulative = view.findChild<FlowCumulativeChart*>();
+  view.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&view));
+  cumulative->show();
+  const QRectF plot = cumulative->chart()->plotArea();
+  const auto at = [&](double share) {
+    return cumulative->mapFromScene(
+        cumulative->chart()->mapToScene(QPointF(plot.left() + share * plot.width(), plot.center().y())));
+  };
+  QSignalSpy chosen(cumulative, &FlowCumulativeChart::rangeChosen);
+  QTest::mousePress(cumulative->viewport(), Qt::LeftButton, {}, at(0.25));
+  QMouseEvent move(QEvent::MouseMove, at(0.75), cumulative->viewport()->mapToGlobal(at(0.75)), Qt::NoButton,
+                   Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(cumulative->viewport(), &move);
+  QTest::mouseRelease(cumulative->viewport(), Qt::LeftButton, {}, at(0.75));
+  QCOMPARE(chosen.count(), 1);
+  const auto dragged = cumulative->chosenRange();
+  QVERIFY(dragged.has_value());
+  QVERIFY2(std::abs(dragged->first - 21) <= 1 && std::abs(dragged->second - 62) <= 1,
+           qPrintable(QStringLiteral("%1..%2").arg(dragged->first).arg(dragged->second)));
+  QVERIFY(!label(view, "flowRange").contains("Drag across"));
+
+  // Chosen days of the cumulative flow are summed up under it.
   cumulative->chooseRange(70, 50);
   QCOMPARE(cumulative->chosenRange(), std::make_optional(std::make_pair(50, 70)));
   const CivilDate today = CivilDate::fromUtc(f.clock);
