@@ -63,6 +63,16 @@ void awaitForecast(ForecastView& view) {
   }
 }
 
+// Lets the Flow view's figures, computed in the thread pool, arrive.
+void awaitFlow(FlowView& view) {
+  while (view.isComputing()) {
+    QEventLoop loop;
+    QObject::connect(&view, &FlowView::redrawn, &loop, &QEventLoop::quit);
+    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+}
+
 }  // namespace
 
 ScreenshotTour::ScreenshotTour(AppContext& context, MainWindow& window, std::filesystem::path folder, QObject* parent)
@@ -169,6 +179,7 @@ int ScreenshotTour::run() {
                                                          {"stability", "stabilityCard"}};
     for (const std::int64_t weeks : {12, 52}) {
       flow->setWeeks(weeks);
+      awaitFlow(*flow);
       scroll->verticalScrollBar()->setValue(0);
       save(&window_, QStringLiteral("08-flow-%1-weeks").arg(weeks));
       for (const auto& [part, widget] : parts) {
@@ -180,6 +191,7 @@ int ScreenshotTour::run() {
       }
     }
     flow->setWeeks(FlowScreen::defaultWeeks);
+    awaitFlow(*flow);
     scroll->verticalScrollBar()->setValue(0);
   }
 

@@ -186,21 +186,60 @@ void FlowView::setWeeks(std::int64_t weeks) {
 
 void FlowView::reload() { redraw(); }
 
-void FlowView::redraw() {
-  const std::shared_ptr<const ProjectSnapshot> project = snapshot();
-  if (!project) return;
-  const Timestamp now = context_.now();
+namespace {
+
+// What one redraw needs, computed in the thread pool from the snapshot
+// (which nobody changes once read), or the sentence of the error that
+// stopped it.
+struct FlowRun {
+  std::vector<FlowTicket> tickets;
   FlowHealth health;
-  try {
-    tickets_ = flowTickets(*project);
-    health = flowHealth(*project, now);
-  } catch (const std::exception& error) {
+  FlowScreen::Figures figures;
+  FlowAnalysis analysis;
+  QString error;
+};
+
+}  // namespace
+
+bool FlowView::isComputing() const { return runs_.busy(); }
+
+void FlowView::redraw() {
+  std::shared_ptr<const ProjectSnapshot> project = snapshot();
+  if (!project) {
+    runs_.skip();
+    return;
+  }
+  const Timestamp now = context_.now();
+  const std::int64_t weeks = this->weeks();
+  runs_.start(
+      this,
+      [project = std::move(project), now, weeks] {
+        FlowRun run;
+        try {
+          run.tickets = flowTickets(*project);
+          run.health = flowHealth(*project, now);
+          run.figures = FlowScreen::figures(run.tickets, now, weeks);
+          run.analysis = FlowAnalyses::analyse(run.tickets, run.figures, FlowAnalyses::wipLimitSum(*project));
+        } catch (const std::exception& error) {
+          run.error = QString::fromStdString(error.what());
+        }
+        return run;
+      },
+      [this](const FlowRun& run) { showRun(run.tickets, run.health, run.figures, run.analysis, run.error); });
+}
+
+void FlowView::showRun(const std::vector<FlowTicket>& tickets, const FlowHealth& health,
+                       const FlowScreen::Figures& figures, const FlowAnalysis& analysis, const QString& error) {
+  if (!error.isEmpty()) {
     // A date outside the supported range: say so and keep the last drawing.
-    problem_->setText(QString::fromStdString(error.what()));
+    problem_->setText(error);
+    emit redrawn();
     return;
   }
   problem_->clear();
-  figures_ = FlowScreen::figures(tickets_, now, weeks());
+  tickets_ = tickets;
+  figures_ = figures;
+  analysis_ = analysis;
   tiles_->showFigures(figures_);
   health_->showHealth(health);
 
@@ -212,7 +251,6 @@ void FlowView::redraw() {
   ageCard_->showEmpty(figures_.ages.empty());
   cumulative_->showDays(figures_.cumulative);
 
-  analysis_ = FlowAnalyses::analyse(tickets_, figures_, FlowAnalyses::wipLimitSum(*project));
   arrivals_->showWeeks(analysis_.weeks);
   wipRun_->showDays(figures_.cumulative, analysis_.wipLimitSum);
   QStringList weekLabels, dayLabels, references;
@@ -224,7 +262,10 @@ void FlowView::redraw() {
   wipXmR_->showMeasure(analysis_.wip, dayLabels, QStringLiteral("Tickets in progress"));
   cycleXmR_->showMeasure(analysis_.cycleTime, references, QStringLiteral("Days"));
   predictability_->setText(qtext(analysis_.predictabilitySentence));
-  showRange(0, static_cast<int>(figures_.cumulative.size()) - 1);
+  // Until days are chosen on the cumulative flow, the range is all of them.
+  range_->setText(qtext(flowRangeSentence(analysis_.littlesLaw.range)) +
+                  QStringLiteral(" Drag across the chart to choose other days."));
+  littlesLaw_->setText(qtext(analysis_.littlesLawSentence));
   emit redrawn();
 }
 
@@ -236,10 +277,8 @@ void FlowView::showRange(int first, int last) {
   }
   const std::optional<FlowRange> range =
       flowRange(tickets_, days[static_cast<std::size_t>(first)].date, days[static_cast<std::size_t>(last)].date);
-  QString text = range ? qtext(flowRangeSentence(*range)) : QString();
-  if (!cumulative_->chosenRange()) text += QStringLiteral(" Drag across the chart to choose other days.");
-  range_->setText(text);
-  // Little's law over the same days: the whole weeks until a range is chosen.
+  range_->setText(range ? qtext(flowRangeSentence(*range)) : QString());
+  // Little's law over the same days.
   littlesLaw_->setText(range ? qtext(FlowAnalyses::littlesLawSentence(FlowAnalyses::littlesLaw(tickets_, *range)))
                              : QString());
 }

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "app/LatestRun.h"
 #include "app/ProjectViewBase.h"
+#include "core/accuracy/FlowHealth.h"
 #include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowScreen.h"
 
@@ -41,17 +43,23 @@ class FlowView : public ProjectViewBase {
   // The weeks shown: one of FlowScreen::weekChoices.
   std::int64_t weeks() const;
   void setWeeks(std::int64_t weeks);
+  // True while a redraw's figures are being computed and not yet shown.
+  bool isComputing() const;
 
  signals:
   void openTicketRequested(const orvane::Uuid& ticket);
-  // The screen shows the store as of its last reload.
+  // The screen shows the store as of the newest reload (or says why not).
   void redrawn();
 
  protected:
   void reload() override;
 
  private:
+  // Reads the snapshot here and computes every figure in the thread pool;
+  // only the newest run is shown.
   void redraw();
+  void showRun(const std::vector<FlowTicket>& tickets, const FlowHealth& health, const FlowScreen::Figures& figures,
+               const FlowAnalysis& analysis, const QString& error);
   void showRange(int first, int last);
   QWidget* buildAnalyses(QWidget* page);
 
@@ -80,6 +88,7 @@ class FlowView : public ProjectViewBase {
   std::vector<FlowTicket> tickets_;
   FlowScreen::Figures figures_;
   FlowAnalysis analysis_;
+  LatestRun runs_;
 };
 
 }  // namespace orvane::app
