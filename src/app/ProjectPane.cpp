@@ -10,9 +10,9 @@
 #include "app/EpicsView.h"
 #include "app/FilterBar.h"
 #include "app/IterationsView.h"
-#include "app/PlaceholderView.h"
 #include "app/SnapshotCache.h"
 #include "app/TicketListView.h"
+#include "app/flow/FlowView.h"
 #include "app/forecast/ForecastView.h"
 #include "app/roadmap/RoadmapView.h"
 
@@ -42,13 +42,8 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   install(ProjectViewMode::iterations, iterations);
   forecast_ = new ForecastView(context_, stack_);
   install(ProjectViewMode::forecast, forecast_);
-  install(
-      ProjectViewMode::flow,
-      new PlaceholderView(
-          context_, QStringLiteral("Flow"),
-          QStringLiteral("This view will show weekly throughput, cycle time with its percentiles, the age of the work "
-                         "in progress and the cumulative flow of the board."),
-          stack_));
+  auto* flow = new FlowView(context_, stack_);
+  install(ProjectViewMode::flow, flow);
   install(ProjectViewMode::archived, archived_);
 
   connect(filterBar_, &FilterBar::filterChanged, this, &ProjectPane::applyFilter);
@@ -58,6 +53,7 @@ ProjectPane::ProjectPane(AppContext& context, QWidget* parent) : QWidget(parent)
   connect(archived_, &ArchivedView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(iterations, &IterationsView::openTicketRequested, this, &ProjectPane::openTicketRequested);
   connect(epics, &EpicsView::forecastRequested, this, &ProjectPane::epicForecastRequested);
+  connect(flow, &FlowView::openTicketRequested, this, &ProjectPane::openTicketRequested);
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);

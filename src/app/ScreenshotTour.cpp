@@ -43,6 +43,7 @@
 #include "app/TicketExchangeCommands.h"
 #include "app/TicketOpener.h"
 #include "app/WipLimitField.h"
+#include "app/flow/FlowView.h"
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ForecastView.h"
 #include "app/forecast/LogForecastDialog.h"
@@ -78,6 +79,16 @@ void awaitRoadmap(QWidget* view) {
   while (roadmap != nullptr && roadmap->isComputing()) {
     QEventLoop loop;
     QObject::connect(roadmap, &RoadmapView::roadmapShown, &loop, &QEventLoop::quit);
+    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+}
+
+// Lets the Flow view's figures, computed in the thread pool, arrive.
+void awaitFlow(FlowView& view) {
+  while (view.isComputing()) {
+    QEventLoop loop;
+    QObject::connect(&view, &FlowView::redrawn, &loop, &QEventLoop::quit);
     QTimer::singleShot(1000, &loop, &QEventLoop::quit);
     loop.exec();
   }
@@ -242,6 +253,33 @@ int ScreenshotTour::run() {
       backtest->close();
     }
     if (project) logForecasts(*forecast, *project);
+  }
+
+  // The flow over 12 and 52 weeks: the tiles with the health beside them,
+  // then scrolled down to each group of charts in turn.
+  window_.setViewMode(ProjectViewMode::flow);
+  if (auto* flow = qobject_cast<FlowView*>(window_.pane()->view(ProjectViewMode::flow))) {
+    auto* scroll = flow->findChild<QScrollArea*>();
+    const std::pair<const char*, const char*> parts[] = {{"charts", "workItemAgeCard"},
+                                                         {"over-time", "wipRunCard"},
+                                                         {"behaviour", "cycleTimeXmRCard"},
+                                                         {"stability", "stabilityCard"}};
+    for (const std::int64_t weeks : {12, 52}) {
+      flow->setWeeks(weeks);
+      awaitFlow(*flow);
+      scroll->verticalScrollBar()->setValue(0);
+      save(&window_, QStringLiteral("08-flow-%1-weeks").arg(weeks));
+      for (const auto& [part, widget] : parts) {
+        if (auto* shown = flow->findChild<QWidget*>(QLatin1String(widget))) {
+          settle();
+          scroll->ensureWidgetVisible(shown, 0, 0);
+          save(&window_, QStringLiteral("08-flow-%1-weeks-%2").arg(weeks).arg(QLatin1String(part)));
+        }
+      }
+    }
+    flow->setWeeks(FlowScreen::defaultWeeks);
+    awaitFlow(*flow);
+    scroll->verticalScrollBar()->setValue(0);
   }
 
   window_.setViewMode(ProjectViewMode::board);

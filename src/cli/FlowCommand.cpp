@@ -10,6 +10,7 @@
 #include "cli/ProjectLookup.h"
 #include "cli/StoreAccess.h"
 #include "cli/TextLayout.h"
+#include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowScreen.h"
 
 namespace orvane::cli {
@@ -23,12 +24,17 @@ constexpr std::string_view flowUsage =
     "Shows how work flows through PROJECT (its name or its ticket key) over the\n"
     "W weeks ending today (UTC) or on --now: throughput per week, cycle time of\n"
     "each finished ticket with its percentiles, the age of the work in progress\n"
-    "and the cumulative flow of backlog, in progress and done per day.\n"
+    "and the cumulative flow of backlog, in progress and done per day; then\n"
+    "tickets started against finished per week, process behaviour charts of\n"
+    "weekly throughput, weekly arrivals, daily work in progress and cycle time\n"
+    "with their signals, Little's law over the weeks and how predictable cycle\n"
+    "time is.\n"
     "\n"
-    "  --weeks W  4, 8, 12 or 26 (default 12)\n"
+    "  --weeks W  4, 8, 12, 26 or 52 (default 12)\n"
     "  --json     print one JSON object: {project, asOf, weeks, tiles,\n"
     "             averageWeeklyThroughput, weeklyThroughput, cycleTimes, summary,\n"
-    "             ages, cumulative, note}\n"
+    "             ages, cumulative, note, arrivalsDepartures, wipRun,\n"
+    "             processBehaviour, littlesLaw, predictability}\n"
     "  --help     print this text\n";
 
 constexpr OptionSpec flowSpecs[] = {{"--weeks", true}, {"--json", false}, {"--help", false}};
@@ -39,7 +45,7 @@ std::int64_t weeksOption(const ParsedOptions& parsed) {
   for (const std::int64_t choice : FlowScreen::weekChoices) {
     if (*text == std::to_string(choice)) return choice;
   }
-  throw CliError("--weeks must be 4, 8, 12 or 26.");
+  throw CliError("--weeks must be 4, 8, 12, 26 or 52.");
 }
 
 std::string oneDecimal(double value) {
@@ -50,6 +56,61 @@ std::string oneDecimal(double value) {
 
 json optionalNumber(const std::optional<CycleTimeSummary>& summary, double CycleTimeSummary::*field) {
   return summary ? json(*summary.*field) : json(nullptr);
+}
+
+json optionalJson(const std::optional<double>& value) { return value ? json(*value) : json(nullptr); }
+
+json measureJson(const BehaviourMeasure& m) {
+  json chart = nullptr;
+  if (m.chart) {
+    json signals = json::array();
+    for (const XmRSignal& s : m.chart->detected) {
+      signals.push_back({{"kind", rawValue(s.kind)}, {"first", s.first}, {"last", s.last}, {"above", s.above}});
+    }
+    chart = {{"values", m.chart->values},
+             {"mean", m.chart->mean},
+             {"movingRanges", m.chart->movingRanges},
+             {"averageMovingRange", m.chart->averageMovingRange},
+             {"upperLimit", m.chart->upperLimit},
+             {"lowerLimit", m.chart->lowerLimit},
+             {"movingRangeLimit", m.chart->movingRangeLimit},
+             {"signals", std::move(signals)}};
+  }
+  return {{"name", m.name}, {"labels", m.labels}, {"chart", std::move(chart)}, {"sentences", m.sentences}};
+}
+
+// The analyses beyond the tiles, added beside the screen's own fields.
+void addAnalysisJson(json& out, const FlowScreen::Figures& f, const FlowAnalysis& a) {
+  json weeks = json::array();
+  for (const WeekFlow& w : a.weeks) {
+    weeks.push_back({{"start", w.start.description()},
+                     {"end", w.end.description()},
+                     {"arrivals", w.arrivals},
+                     {"departures", w.departures},
+                     {"gap", w.gap}});
+  }
+  json wipDays = json::array();
+  for (const FlowDay& d : f.cumulative) wipDays.push_back({{"date", d.date.description()}, {"wip", d.inProgress}});
+  const LittlesLaw& law = a.littlesLaw;
+  std::optional<double> ratio;
+  if (f.summary && f.summary->p50 > 0) ratio = f.summary->p85 / f.summary->p50;
+  out["arrivalsDepartures"] = std::move(weeks);
+  out["wipRun"] = {{"days", std::move(wipDays)}, {"limitSum", a.wipLimitSum ? json(*a.wipLimitSum) : json(nullptr)}};
+  out["processBehaviour"] = {{"throughput", measureJson(a.throughput)},
+                             {"arrivals", measureJson(a.arrivals)},
+                             {"wip", measureJson(a.wip)},
+                             {"cycleTime", measureJson(a.cycleTime)}};
+  out["littlesLaw"] = {{"from", law.range.from.description()},
+                       {"to", law.range.to.description()},
+                       {"days", law.range.days},
+                       {"averageWip", law.range.averageWip},
+                       {"throughputPerDay", law.throughputPerDay},
+                       {"impliedCycleDays", optionalJson(law.impliedCycleDays)},
+                       {"averageCycleDays", optionalJson(law.averageCycleDays)},
+                       {"gapPct", optionalJson(law.gapPct)},
+                       {"stable", law.stable()},
+                       {"sentence", a.littlesLawSentence}};
+  out["predictability"] = {{"ratio", optionalJson(ratio)}, {"sentence", a.predictabilitySentence}};
 }
 
 json flowJson(const ProjectSnapshot& project, const FlowScreen::Figures& f) {
@@ -112,7 +173,7 @@ std::string bar(std::int64_t count, std::int64_t largest) {
   return std::string(static_cast<std::size_t>(std::max<std::int64_t>(1, count * 40 / largest)), '#');
 }
 
-void writeFlow(const ProjectSnapshot& project, const FlowScreen::Figures& f, std::ostream& out) {
+void writeFlow(const ProjectSnapshot& project, const FlowScreen::Figures& f, const FlowAnalysis& a, std::ostream& out) {
   writeWrapped(out, "Flow of \"" + project.project.name + "\", " + counted(f.weeks, "week") + " ending " +
                         f.today.displayText() + " (" + f.today.description() + ").");
   out << '\n';
@@ -161,6 +222,20 @@ void writeFlow(const ProjectSnapshot& project, const FlowScreen::Figures& f, std
         << padLeft(std::to_string(d.inProgress), 13) << padLeft(std::to_string(d.done), 9)
         << padLeft(std::to_string(d.total()), 9) << '\n';
   }
+  out << "\nStarted against finished\n  Week ending   Started  Finished  Running gap\n";
+  for (const WeekFlow& w : a.weeks) {
+    out << "  " << w.end.description() << padLeft(std::to_string(w.arrivals), 10)
+        << padLeft(std::to_string(w.departures), 10) << padLeft(std::to_string(w.gap), 13) << '\n';
+  }
+  out << "  WIP limits of the in-progress columns: "
+      << (a.wipLimitSum ? std::to_string(*a.wipLimitSum) : std::string("none set")) << '\n';
+  out << "\nProcess behaviour\n";
+  for (const BehaviourMeasure* m : {&a.throughput, &a.arrivals, &a.wip, &a.cycleTime}) {
+    for (const std::string& sentence : m->sentences) writeWrapped(out, "  " + sentence);
+  }
+  out << "\nStability and predictability\n";
+  writeWrapped(out, "  " + a.littlesLawSentence);
+  writeWrapped(out, "  " + a.predictabilitySentence);
   out << '\n';
   writeWrapped(out, FlowScreen::note);
 }
@@ -178,10 +253,13 @@ int runFlow(std::span<const std::string> args, const CommandContext& context) {
   const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
   const std::vector<FlowTicket> tickets = flowTickets(project);
   const FlowScreen::Figures figures = FlowScreen::figures(tickets, context.now, weeks);
+  const FlowAnalysis analysis = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(project));
   if (parsed.has("--json")) {
-    context.out << flowJson(project, figures).dump(2) << '\n';
+    json out = flowJson(project, figures);
+    addAnalysisJson(out, figures, analysis);
+    context.out << out.dump(2) << '\n';
   } else {
-    writeFlow(project, figures, context.out);
+    writeFlow(project, figures, analysis, context.out);
   }
   return exitOk;
 }

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/CliRun.h"
+#include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowScreen.h"
 #include "core/support/TempStore.h"
 
@@ -50,6 +51,44 @@ TEST_F(FlowCommand, JsonCarriesTheScreenFiguresOfTheUtcWeeksEndingToday) {
             "forecast uses.");
 }
 
+// The analyses beside the screen's figures, for a year of weeks: the same
+// numbers and sentences the view shows.
+TEST_F(FlowCommand, JsonCarriesTheAnalysesOfTheSameWeeks) {
+  const CliRun result = run({"flow", demo.key, "--weeks", "52", "--json"});
+  ASSERT_EQ(result.code, 0) << result.err;
+  const json flow = json::parse(result.out);
+  const ProjectSnapshot snapshot = *t.service.snapshot(demo.id);
+  const std::vector<FlowTicket> tickets = flowTickets(snapshot);
+  const FlowScreen::Figures figures = FlowScreen::figures(tickets, fixedNow, 52);
+  const FlowAnalysis expected = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(snapshot));
+
+  ASSERT_EQ(flow["arrivalsDepartures"].size(), 52u);
+  for (std::size_t i = 0; i < 52; ++i) {
+    EXPECT_EQ(flow["arrivalsDepartures"][i]["departures"], flow["weeklyThroughput"][i]["count"]);
+    EXPECT_EQ(flow["arrivalsDepartures"][i]["arrivals"], expected.weeks[i].arrivals);
+    EXPECT_EQ(flow["arrivalsDepartures"][i]["gap"], expected.weeks[i].gap);
+  }
+  EXPECT_EQ(flow["wipRun"]["days"].size(), 364u);
+  EXPECT_EQ(flow["wipRun"]["limitSum"].is_null(), !expected.wipLimitSum.has_value());
+  const std::pair<const char*, const BehaviourMeasure*> measures[] = {{"throughput", &expected.throughput},
+                                                                      {"arrivals", &expected.arrivals},
+                                                                      {"wip", &expected.wip},
+                                                                      {"cycleTime", &expected.cycleTime}};
+  for (const auto& [name, measure] : measures) {
+    SCOPED_TRACE(name);
+    const json& m = flow["processBehaviour"][name];
+    EXPECT_EQ(m["sentences"], measure->sentences);
+    ASSERT_TRUE(measure->chart.has_value());
+    EXPECT_EQ(m["chart"]["values"], measure->chart->values);
+    EXPECT_EQ(m["chart"]["upperLimit"], measure->chart->upperLimit);
+    EXPECT_EQ(m["chart"]["signals"].size(), measure->chart->detected.size());
+  }
+  EXPECT_EQ(flow["processBehaviour"]["throughput"]["chart"]["values"][51], flow["weeklyThroughput"][51]["count"]);
+  EXPECT_EQ(flow["littlesLaw"]["from"], figures.cumulative.front().date.description());
+  EXPECT_EQ(flow["littlesLaw"]["sentence"], expected.littlesLawSentence);
+  EXPECT_EQ(flow["predictability"]["sentence"], expected.predictabilitySentence);
+}
+
 TEST_F(FlowCommand, TextShowsTilesChartsAndNote) {
   const CliRun result = run({"flow", demo.name});
   ASSERT_EQ(result.code, 0) << result.err;
@@ -77,8 +116,8 @@ TEST_F(FlowCommand, RefusesBadArguments) {
     std::vector<std::string> args;
     const char* message;
   } cases[] = {
-      {{"flow", demo.key, "--weeks", "5"}, "--weeks must be 4, 8, 12 or 26.\n"},
-      {{"flow", demo.key, "--weeks", "12x"}, "--weeks must be 4, 8, 12 or 26.\n"},
+      {{"flow", demo.key, "--weeks", "5"}, "--weeks must be 4, 8, 12, 26 or 52.\n"},
+      {{"flow", demo.key, "--weeks", "12x"}, "--weeks must be 4, 8, 12, 26 or 52.\n"},
   };
   for (const auto& c : cases) {
     const CliRun result = run(c.args);

@@ -17,7 +17,7 @@ namespace orvane {
 namespace FlowScreen {
 
 // The week counts the screen offers, and the one it opens with.
-inline constexpr std::array<std::int64_t, 4> weekChoices{4, 8, 12, 26};
+inline constexpr std::array<std::int64_t, 5> weekChoices{4, 8, 12, 26, 52};
 inline constexpr std::int64_t defaultWeeks = 12;
 
 inline constexpr std::string_view note =

@@ -4,6 +4,7 @@
 
 #include "core/metrics/EpicProgress.h"
 #include "core/metrics/FlowMetrics.h"
+#include "core/metrics/FlowRange.h"
 #include "core/metrics/FlowScreen.h"
 #include "core/support/TempStore.h"
 #include "engine/Percentile.h"
@@ -162,6 +163,41 @@ TEST(FlowScreenTiles, FormatsAndEmptyTexts) {
   EXPECT_EQ(FlowScreen::throughputTile(f), "0.2");  // one finish over four weeks
   EXPECT_EQ(FlowScreen::medianCycleTimeTile(f), "33 d");
   EXPECT_EQ(FlowScreen::inProgressCaption(f), "oldest 12 d");
+}
+
+TEST(FlowRangeSummary, AverageWipArrivalsAndDeparturesOverChosenDays) {
+  const CivilDate d0{2026, 2, 23};
+  const Timestamp created = midnight(d0.addingDays(-10));
+  const std::vector<FlowTicket> tickets = {
+      // In progress on d0 and d1, finished on d2.
+      ticket("A", created, midnight(d0.addingDays(-3)), plus(midnight(d0.addingDays(2)), 3600)),
+      // Started on d1, still in progress.
+      ticket("B", created, plus(midnight(d0.addingDays(1)), 60)),
+      // Started at noon on d4, finished on d6.
+      ticket("C", created, plus(midnight(d0.addingDays(4)), day / 2), midnight(d0.addingDays(6))),
+      // Started the day after the range.
+      ticket("D", created, midnight(d0.addingDays(7))),
+  };
+  // In progress per day: 1, 2, 1, 1, 2, 2, 1.
+  const std::optional<FlowRange> week = flowRange(tickets, d0, d0.addingDays(6));
+  ASSERT_TRUE(week.has_value());
+  EXPECT_EQ(week->days, 7);
+  EXPECT_DOUBLE_EQ(week->averageWip, 10.0 / 7.0);
+  EXPECT_EQ(week->arrivals, 2);
+  EXPECT_EQ(week->departures, 2);
+  EXPECT_DOUBLE_EQ(week->departuresPerWeek(), 2.0);
+  EXPECT_EQ(flowRangeSentence(*week),
+            "From 23 Feb to 1 Mar 2026 (7 days): on average 1.4 tickets in progress; 2.0 started and 2.0 finished a "
+            "week.");
+
+  const std::optional<FlowRange> one = flowRange(tickets, d0.addingDays(1), d0.addingDays(1));
+  ASSERT_TRUE(one.has_value());
+  EXPECT_EQ(one->arrivals, 1);
+  EXPECT_DOUBLE_EQ(one->arrivalsPerWeek(), 7.0);
+  EXPECT_EQ(flowRangeSentence(*one),
+            "From 24 Feb to 24 Feb 2026 (1 day): on average 2.0 tickets in progress; 7.0 started and 0.0 finished a "
+            "week.");
+  EXPECT_FALSE(flowRange(tickets, d0.addingDays(1), d0).has_value());
 }
 
 // flowTickets and the epic queries over a real store.
