@@ -89,7 +89,8 @@ void flowViewYear(benchmark::State& state) {
     const std::vector<FlowTicket> tickets = flowTickets(snapshot);
     const FlowScreen::Figures figures = FlowScreen::figures(tickets, now, 52);
     FlowHealth health = flowHealth(snapshot, now);
-    FlowAnalysis analysis = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(snapshot));
+    FlowAnalysis analysis = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(snapshot),
+                                                    CivilDate::fromUtc(snapshot.project.createdAt));
     benchmark::DoNotOptimize(health);
     benchmark::DoNotOptimize(analysis);
   }

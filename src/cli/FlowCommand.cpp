@@ -253,7 +253,8 @@ int runFlow(std::span<const std::string> args, const CommandContext& context) {
   const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
   const std::vector<FlowTicket> tickets = flowTickets(project);
   const FlowScreen::Figures figures = FlowScreen::figures(tickets, context.now, weeks);
-  const FlowAnalysis analysis = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(project));
+  const FlowAnalysis analysis = FlowAnalyses::analyse(tickets, figures, FlowAnalyses::wipLimitSum(project),
+                                                            CivilDate::fromUtc(project.project.createdAt));
   if (parsed.has("--json")) {
     json out = flowJson(project, figures);
     addAnalysisJson(out, figures, analysis);

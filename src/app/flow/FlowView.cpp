@@ -219,7 +219,8 @@ void FlowView::redraw() {
           run.tickets = flowTickets(*project);
           run.health = flowHealth(*project, now);
           run.figures = FlowScreen::figures(run.tickets, now, weeks);
-          run.analysis = FlowAnalyses::analyse(run.tickets, run.figures, FlowAnalyses::wipLimitSum(*project));
+          run.analysis = FlowAnalyses::analyse(run.tickets, run.figures, FlowAnalyses::wipLimitSum(*project),
+                                               CivilDate::fromUtc(project->project.createdAt));
         } catch (const std::exception& error) {
           run.error = QString::fromStdString(error.what());
         }

@@ -123,7 +123,7 @@ std::string predictabilitySentence(const std::optional<CycleTimeSummary>& summar
 }
 
 FlowAnalysis analyse(std::span<const FlowTicket> tickets, const FlowScreen::Figures& figures,
-                     std::optional<std::int64_t> limitSum) {
+                     std::optional<std::int64_t> limitSum, CivilDate projectBegan) {
   FlowAnalysis a;
   a.weeks = arrivalsAndDepartures(tickets, figures.today, figures.weeks);
   a.wipLimitSum = limitSum;
@@ -131,11 +131,13 @@ FlowAnalysis analyse(std::span<const FlowTicket> tickets, const FlowScreen::Figu
   std::vector<double> finished, started, wip, days;
   std::vector<std::string> weekLabels, dayLabels, references;
   for (const WeekFlow& week : a.weeks) {
+    if (week.end < projectBegan) continue;
     finished.push_back(static_cast<double>(week.departures));
     started.push_back(static_cast<double>(week.arrivals));
     weekLabels.push_back("the week ending " + week.end.displayShort());
   }
   for (const FlowDay& day : figures.cumulative) {
+    if (day.date < projectBegan) continue;
     wip.push_back(static_cast<double>(day.inProgress));
     dayLabels.push_back(day.date.displayShort());
   }

@@ -86,8 +86,12 @@ std::string littlesLawSentence(const LittlesLaw& law);
 // above.
 std::string predictabilitySentence(const std::optional<CycleTimeSummary>& summary);
 
+// The process behaviour charts of throughput, arrivals and WIP take only
+// the weeks and days from `projectBegan` (the project's first UTC day) on:
+// before it the zeros come from no process, and would put every later value
+// beyond the limits.
 FlowAnalysis analyse(std::span<const FlowTicket> tickets, const FlowScreen::Figures& figures,
-                     std::optional<std::int64_t> wipLimitSum);
+                     std::optional<std::int64_t> wipLimitSum, CivilDate projectBegan);
 
 }  // namespace FlowAnalyses
 }  // namespace orvane

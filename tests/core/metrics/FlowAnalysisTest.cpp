@@ -129,6 +129,34 @@ TEST(FlowAnalyses, ArrivalsAndDeparturesWithTheRunningGap) {
             (std::vector<WeekFlow>{{{2026, 2, 20}, {2026, 2, 26}, 2, 1, 1}, {{2026, 2, 27}, asOf, 1, 2, 0}}));
 }
 
+// Weeks and days before the project began are no process's output: the
+// behaviour charts start at the project's first day, the weekly flow does not.
+TEST(FlowAnalyses, BehaviourChartsStartWhenTheProjectBegan) {
+  const CivilDate asOf{2026, 3, 5};
+  const std::vector<FlowTicket> tickets = {
+      ticket("A", midnight({2026, 2, 21}), midnight({2026, 2, 28})),
+      ticket("B", midnight({2026, 2, 22}), midnight({2026, 3, 2})),
+      ticket("C", midnight({2026, 3, 1}), std::nullopt),
+  };
+  const FlowScreen::Figures figures = FlowScreen::figures(tickets, plus(midnight(asOf), 3600), 4);
+  struct Case {
+    CivilDate began;
+    std::size_t weeks;  // values of the weekly charts
+    std::size_t days;   // values of the daily WIP chart
+  };
+  // 4 weeks are 6 Feb..5 Mar; a week counts when it ends on or after the day.
+  for (const Case c : {Case{{2025, 1, 1}, 4, 28}, Case{{2026, 2, 6}, 4, 28}, Case{{2026, 2, 20}, 2, 14},
+                       Case{{2026, 2, 26}, 2, 8}, Case{asOf, 1, 1}}) {
+    SCOPED_TRACE(c.began.description());
+    const FlowAnalysis a = FlowAnalyses::analyse(tickets, figures, std::nullopt, c.began);
+    EXPECT_EQ(a.weeks.size(), 4u);
+    EXPECT_EQ(a.throughput.labels.size(), c.weeks);
+    EXPECT_EQ(a.arrivals.labels.size(), c.weeks);
+    EXPECT_EQ(a.wip.labels.size(), c.days);
+    EXPECT_EQ(a.wip.chart.has_value(), c.days >= 2);
+  }
+}
+
 TEST(FlowAnalyses, WipLimitSumOfInProgressColumns) {
   ProjectSnapshot project;
   const auto column = [](const char* type, std::optional<std::int64_t> limit) {
