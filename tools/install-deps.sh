@@ -13,6 +13,9 @@ packages=(
   libexpat1-dev                  # XML inside XLSX files
   qt6-base-dev                   # the desktop application
   qt6-charts-dev libqt6opengl6-dev  # the app's charts (Qt Charts needs the OpenGL module to configure)
+  qt6-pdf-dev                    # the report preview (PDFs are written with Qt GUI's own writer)
+  xdg-utils                      # e-mailing reports and packs through the desktop's mail program
+  poppler-utils                  # tests read the PDFs back with pdftotext and pdftoppm
   xvfb xauth                     # tools/screenshots draws the app without a display
   libgtest-dev libgmock-dev      # tests
   libbenchmark-dev               # benchmarks
