@@ -9,13 +9,13 @@
 #include <QLabel>
 #include <QLineSeries>
 #include <QMouseEvent>
-#include <QProcess>
 #include <QScatterSeries>
 #include <QSignalSpy>
 #include <QStackedBarSeries>
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/CommandLine.h"
 #include "app/ExternalChangeWatcher.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
@@ -44,22 +44,10 @@ void settle(FlowView& view) {
   while (view.isComputing()) QVERIFY(redrawn.wait(20000));
 }
 
-QString label(const QWidget& view, const QString& name) {
-  auto* found = view.findChild<QLabel*>(name);
-  if (found == nullptr) qFatal("no label %s", qPrintable(name));
-  return found->text();
-}
+QString label(const QWidget& view, const QString& name) { return orvane::testing::labelText(view, name); }
 
 // The JSON the real command line prints, on the fixture's store and day.
-QJsonObject cli(AppFixture& f, const QStringList& arguments) {
-  QProcess process;
-  const QStringList common{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
-                           "2026-03-04T10:00:00Z"};
-  process.start(QStringLiteral(ORVANE_CLI), common + arguments + QStringList{"--json"});
-  if (!process.waitForFinished(30000) || process.exitCode() != 0)
-    qFatal("orvane-cli %s failed: %s", qPrintable(arguments.join(' ')), process.readAllStandardError().constData());
-  return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
-}
+QJsonObject cli(AppFixture& f, const QStringList& arguments) { return orvane::testing::cliJson(f, arguments).object(); }
 
 template <typename Series>
 QList<Series*> seriesOf(QChartView* view) {
@@ -316,12 +304,10 @@ void FlowViewTest::aMoveByTheCommandLineRedraws() {
   std::string done;
   for (const BoardColumn& column : before.columns)
     if (column.type() == ColumnType::done) done = column.name;
-  QProcess process;
-  process.start(QStringLiteral(ORVANE_CLI),
-                {"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
-                 "2026-03-04T10:00:00Z", "ticket", "move", QString::fromStdString(before.project.key),
-                 QString::fromStdString(ages.front().reference), QString::fromStdString(done)});
-  QVERIFY(process.waitForFinished(30000) && process.exitCode() == 0);
+  QCOMPARE(orvane::testing::runCli(f, {"ticket", "move", QString::fromStdString(before.project.key),
+                                        QString::fromStdString(ages.front().reference), QString::fromStdString(done)})
+               .exitCode,
+           0);
   QVERIFY(watcher.check());
   QVERIFY(view.isComputing());
   settle(view);

@@ -26,6 +26,7 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
+#include "app/CommandLine.h"
 #include "app/UndoHistory.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/forecast/BacktestDialog.h"
@@ -41,6 +42,7 @@
 using namespace orvane;
 using namespace orvane::app;
 using orvane::testing::AppFixture;
+using orvane::testing::cliJson;
 
 namespace {
 
@@ -52,11 +54,7 @@ void settle(ForecastView& view) {
   while (view.isComputing()) QVERIFY(shown.wait(20000));
 }
 
-QString label(ForecastView& view, const QString& name) {
-  auto* found = view.findChild<QLabel*>(name);
-  if (found == nullptr) qFatal("no label %s", qPrintable(name));
-  return found->text();
-}
+QString label(ForecastView& view, const QString& name) { return orvane::testing::labelText(view, name); }
 
 QString weeks(double w) {
   return w == std::floor(w) ? QString::number(static_cast<qint64>(w)) : QString::number(w, 'f', 1);
@@ -269,18 +267,6 @@ void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {
 // ---- The view against `orvane-cli forecast when|epic --json` -------------
 
 namespace {
-
-// The JSON the real command line prints for `arguments`, on the same store
-// and day as the fixture's window.
-QJsonDocument cliJson(AppFixture& f, const QStringList& arguments) {
-  QProcess cli;
-  const QStringList common{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
-                           "2026-03-04T10:00:00Z"};
-  cli.start(QStringLiteral(ORVANE_CLI), common + arguments + QStringList{"--json"});
-  if (!cli.waitForFinished(30000) || cli.exitCode() != 0)
-    qFatal("orvane-cli %s failed: %s", qPrintable(arguments.join(' ')), cli.readAllStandardError().constData());
-  return QJsonDocument::fromJson(cli.readAllStandardOutput());
-}
 
 QJsonObject cliForecast(AppFixture& f, const QStringList& arguments) {
   return cliJson(f, QStringList{"forecast"} + arguments).object();

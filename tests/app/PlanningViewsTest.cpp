@@ -6,13 +6,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
 
 #include "app/AppFixture.h"
+#include "app/CommandLine.h"
 #include "app/DayField.h"
 #include "app/EpicDialog.h"
 #include "app/EpicsView.h"
@@ -58,7 +58,8 @@ void settle(View& view) {
   while (view.isComputing()) QVERIFY(shown.wait(20000));
 }
 
-// What the real command line answers on the fixture's store and day.
+// What `orvane-cli forecast arguments --json` answers on the fixture's
+// store and day.
 struct CliAnswer {
   int exitCode = 0;
   QJsonObject json;
@@ -66,14 +67,8 @@ struct CliAnswer {
 };
 
 CliAnswer cli(AppFixture& f, const QStringList& arguments) {
-  QProcess process;
-  process.start(QStringLiteral(ORVANE_CLI),
-                QStringList{"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "--now",
-                            "2026-03-04T10:00:00Z", "forecast"} +
-                    arguments + QStringList{"--json"});
-  if (!process.waitForFinished(30000)) qFatal("orvane-cli %s did not finish", qPrintable(arguments.join(' ')));
-  return {process.exitCode(), QJsonDocument::fromJson(process.readAllStandardOutput()).object(),
-          QString::fromUtf8(process.readAllStandardError())};
+  const auto answer = orvane::testing::runCli(f, QStringList{"forecast"} + arguments + QStringList{"--json"});
+  return {answer.exitCode, answer.json().object(), answer.error};
 }
 
 QString dayText(const QJsonValue& iso) {

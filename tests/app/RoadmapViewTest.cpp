@@ -10,13 +10,13 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMouseEvent>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTest>
 #include <set>
 
 #include "app/AppFixture.h"
+#include "app/CommandLine.h"
 #include "app/UndoHistory.h"
 #include "app/roadmap/RoadmapItems.h"
 #include "app/roadmap/RoadmapScene.h"
@@ -49,12 +49,7 @@ void open(RoadmapView& view, const Uuid& project) {
 }
 
 QJsonObject roadmapFromCommandLine(AppFixture& f, const QString& key) {
-  QProcess cli;
-  cli.start(QStringLiteral(ORVANE_CLI), {"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()),
-                                         "--now", "2026-03-04T10:00:00Z", "forecast", "roadmap", key, "--json"});
-  if (!cli.waitForFinished(30000) || cli.exitCode() != 0)
-    qFatal("orvane-cli forecast roadmap failed: %s", cli.readAllStandardError().constData());
-  return QJsonDocument::fromJson(cli.readAllStandardOutput()).object();
+  return orvane::testing::cliJson(f, {"forecast", "roadmap", key}).object();
 }
 
 CivilDate day(const QJsonValue& iso) { return CivilDate::fromIso(iso.toString().toStdString()).value(); }
