@@ -20,6 +20,7 @@
 #include "core/forecast/ForecastService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
+#include "support/AwaitView.h"
 #include "support/BenchStore.h"
 
 namespace orvane {
@@ -91,16 +92,7 @@ struct Screen {
   }
 
   // Returns once the view shows its newest run, drawn.
-  void waitForForecast() {
-    if (view->isComputing()) {
-      QEventLoop loop;
-      QObject::connect(view.get(), &app::ForecastView::forecastShown, &loop, [&] {
-        if (!view->isComputing()) loop.quit();
-      });
-      loop.exec();
-    }
-    QApplication::processEvents();
-  }
+  void waitForForecast() { bench::awaitView(*view, &app::ForecastView::forecastShown); }
 
   void open(const Uuid& project) {
     view->showProject(project);

@@ -20,6 +20,7 @@
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 #include "core/store/Store.h"
+#include "support/AwaitView.h"
 #include "support/BenchStore.h"
 
 namespace orvane {
@@ -54,16 +55,7 @@ struct Screen {
   }
 
   // Returns once the view shows its newest run, drawn.
-  void waitForRoadmap() {
-    if (view->isComputing()) {
-      QEventLoop loop;
-      QObject::connect(view.get(), &app::RoadmapView::roadmapShown, &loop, [&] {
-        if (!view->isComputing()) loop.quit();
-      });
-      loop.exec();
-    }
-    QApplication::processEvents();
-  }
+  void waitForRoadmap() { bench::awaitView(*view, &app::RoadmapView::roadmapShown); }
 
   const Uuid& project(const benchmark::State& state) const { return state.range(0) == 0 ? demo : sample; }
 };
