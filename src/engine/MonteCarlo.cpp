@@ -1,11 +1,16 @@
 #include "engine/MonteCarlo.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "engine/BoundedDrawStream.h"
 #include "engine/Fatal.h"
 #include "engine/ForecastError.h"
 #include "engine/Pcg64.h"
 #include "engine/Percentile.h"
 #include "engine/SeedDerivation.h"
+#include "engine/SpeculativeBlocks.h"
+#include "engine/ThreadCount.h"
 
 namespace orvane::MonteCarlo {
 namespace {
@@ -36,10 +41,11 @@ struct Simulation {
   bool checkFinish;
 };
 
-// Runs every simulation, filling the result's arrays; returns whether any
-// simulation did not finish.
+// Runs the simulations of `periodsOut` (and `atHorizonOut`, when given, of
+// the same length), one after another from the draws' current position;
+// returns whether any of them did not finish.
 template <typename Draws>
-bool simulateAll(const Simulation& sim, Draws& draws, std::span<std::int64_t> periodsOut, double* atHorizonOut) {
+bool simulateRange(const Simulation& sim, Draws& draws, std::span<std::int64_t> periodsOut, double* atHorizonOut) {
   const double* samples = sim.samples.data();
   bool inconclusive = false;
   for (std::size_t t = 0; t < periodsOut.size(); ++t) {
@@ -78,6 +84,42 @@ bool simulateAll(const Simulation& sim, Draws& draws, std::span<std::int64_t> pe
   return inconclusive;
 }
 
+// Fewer simulations than this per thread are not worth a thread.
+constexpr std::int64_t minSimulationsPerBlock = 256;
+
+// The simulations split into consecutive blocks, one per thread. Without a
+// rejected word, simulation t starts at word t * maxPeriods of the stream, so
+// every block starts there at once; the blocks after a rejection run again
+// from the corrected word (see runSpeculatively), which leaves the result
+// exactly that of one stream read from start to end.
+bool simulateBlocks(const Simulation& sim, const PCG64& generator, std::size_t threads,
+                    std::span<std::int64_t> periodsOut, double* atHorizonOut) {
+  const auto iterations = static_cast<std::int64_t>(periodsOut.size());
+  const auto blocks = static_cast<std::size_t>(
+      std::max<std::int64_t>(1, std::min(static_cast<std::int64_t>(threads), iterations / minSimulationsPerBlock)));
+  const auto n = static_cast<std::uint64_t>(sim.samples.size());
+  if (blocks == 1 || sim.maxPeriods == 0) {
+    BoundedDrawStream draws(generator, n);
+    return simulateRange(sim, draws, periodsOut, atHorizonOut);
+  }
+  const auto firstOf = [&](std::size_t b) {
+    return static_cast<std::size_t>(iterations * static_cast<std::int64_t>(b) / static_cast<std::int64_t>(blocks));
+  };
+  std::vector<std::uint64_t> plannedStarts(blocks);
+  for (std::size_t b = 0; b < blocks; ++b) {
+    plannedStarts[b] = static_cast<std::uint64_t>(firstOf(b)) * static_cast<std::uint64_t>(sim.maxPeriods);
+  }
+  std::vector<char> inconclusive(blocks, 0);
+  runSpeculatively(std::move(plannedStarts), threads, [&](std::size_t b, std::uint64_t startWord) {
+    const std::size_t first = firstOf(b);
+    BoundedDrawStream draws(generator, n, startWord);
+    inconclusive[b] = simulateRange(sim, draws, periodsOut.subspan(first, firstOf(b + 1) - first),
+                                    atHorizonOut ? atHorizonOut + first : nullptr);
+    return draws.wordsUsed();
+  });
+  return std::find(inconclusive.begin(), inconclusive.end(), 1) != inconclusive.end();
+}
+
 // Percentiles of the periods needed. The values lie in 0...maxPeriods, so a
 // counting sort orders them in linear time.
 void fillPercentiles(ForecastResult& result, std::int64_t maxPeriods) {
@@ -98,6 +140,12 @@ void fillPercentiles(ForecastResult& result, std::int64_t maxPeriods) {
 
 ForecastResult run(std::span<const double> throughputSamples, std::int64_t backlogSize, std::int64_t iterations,
                    std::int64_t maxPeriods, std::optional<std::uint64_t> seed, std::optional<std::int64_t> horizon) {
+  return run(throughputSamples, backlogSize, iterations, maxPeriods, seed, horizon, engineThreads());
+}
+
+ForecastResult run(std::span<const double> throughputSamples, std::int64_t backlogSize, std::int64_t iterations,
+                   std::int64_t maxPeriods, std::optional<std::uint64_t> seed, std::optional<std::int64_t> horizon,
+                   std::size_t threads) {
   validate(throughputSamples, backlogSize, iterations, maxPeriods, horizon);
 
   ForecastResult result;
@@ -113,11 +161,10 @@ ForecastResult run(std::span<const double> throughputSamples, std::int64_t backl
   double* atHorizonOut = horizon ? result.completedByHorizon->data() : nullptr;
   if (throughputSamples.size() == 1) {
     SingleSampleDraws draws;
-    result.inconclusive = simulateAll(sim, draws, result.periodsDistribution, atHorizonOut);
+    result.inconclusive = simulateRange(sim, draws, result.periodsDistribution, atHorizonOut);
   } else {
     const PCG64 generator(seed ? *seed : deriveSeed(throughputSamples, backlogSize));
-    BoundedDrawStream draws(generator, throughputSamples.size());
-    result.inconclusive = simulateAll(sim, draws, result.periodsDistribution, atHorizonOut);
+    result.inconclusive = simulateBlocks(sim, generator, threads, result.periodsDistribution, atHorizonOut);
   }
   fillPercentiles(result, maxPeriods);
   return result;
