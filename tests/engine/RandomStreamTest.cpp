@@ -1,14 +1,67 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <vector>
+
 #include "engine/BoundedDrawStream.h"
 #include "engine/Pcg64.h"
+#include "engine/PcgWordBlocks.h"
+#include "engine/ThreadCount.h"
 
 namespace orvane {
 namespace {
 
+// nextBounded(n) written out over nextUInt32, counting the words it takes.
+std::uint64_t boundedDraw(PCG64& generator, std::uint64_t n, std::uint64_t& words) {
+  const auto threshold = ((std::uint64_t{1} << 32) - n) % n;
+  for (;;) {
+    const std::uint64_t m = std::uint64_t{generator.nextUInt32()} * n;
+    ++words;
+    if ((m & 0xFFFFFFFFu) >= threshold) return m >> 32;
+  }
+}
 
+TEST(PCG64, AdvanceMatchesSteppingAndComposes) {
+  for (const std::uint64_t steps : {0ull, 1ull, 2ull, 7ull, 1000ull, 65537ull}) {
+    PCG64 stepped(5), jumped(5);
+    for (std::uint64_t i = 0; i < steps; ++i) stepped.nextUInt64();
+    jumped.advance(steps);
+    EXPECT_EQ(jumped.nextUInt64(), stepped.nextUInt64()) << steps;
+  }
+  // Far jumps: two halves make the whole, and a full period of 2^128 steps
+  // returns to the start.
+  const uint128 far = (uint128{0x1234567ull} << 64) | 0x89ABCDEF01234567ull;
+  PCG64 once(9), twice(9), around(9);
+  once.advance(far);
+  twice.advance(far / 2);
+  twice.advance(far - far / 2);
+  EXPECT_EQ(once.state(), twice.state());
+  around.advance(~uint128{0});
+  around.advance(1);
+  EXPECT_EQ(around.state(), PCG64(9).state());
+}
 
-
+// Every kernel must give the generator's own 32-bit words, block after
+// block, whatever the seed.
+TEST(PcgWordBlocks, EveryKernelGivesTheGeneratorsWords) {
+  std::vector<PcgWordBlocks::Kernel> kernels{PcgWordBlocks::Kernel::portable};
+  if (PcgWordBlocks::fastestKernel() == PcgWordBlocks::Kernel::avx2) kernels.push_back(PcgWordBlocks::Kernel::avx2);
+  for (const auto kernel : kernels) {
+    for (const std::uint64_t seed : {0ull, 1ull, 0xFFFFFFFFFFFFFFFFull}) {
+      SCOPED_TRACE(testing::Message() << "kernel " << static_cast<int>(kernel) << " seed " << seed);
+      PCG64 reference(seed);
+      reference.nextUInt64();  // the blocks may start anywhere in the stream
+      PcgWordBlocks blocks(reference, kernel);
+      std::uint32_t words[PcgWordBlocks::blockWords];
+      for (int block = 0; block < 4; ++block) {
+        blocks.fill(words);
+        for (int i = 0; i < PcgWordBlocks::blockWords; ++i) {
+          ASSERT_EQ(words[i], reference.nextUInt32()) << "block " << block << " word " << i;
+        }
+      }
+    }
+  }
+}
 
 // The block-wise stream of the simulation must give exactly the draws of the
 // plain generator, including Lemire rejections inside skipped stretches.
@@ -30,6 +83,46 @@ TEST(BoundedDrawStream, AgreesWithTheGeneratorDrawForDraw) {
   }
 }
 
+
+// A stream may start at any word; it then gives the draws the generator
+// gives after that many words, and counts the words it used, rejected ones
+// included. Bounds 2^31 + 1 and 3,000,000,019 reject about half and a third
+// of all words.
+TEST(BoundedDrawStream, StartsAtAnyWordAndCountsTheWordsItUses) {
+  for (const std::uint64_t n : {3ull, 12ull, 1'000'000ull, (1ull << 31) + 1, 3'000'000'019ull, 1ull << 32}) {
+    for (const std::uint64_t startWord : {0ull, 1ull, 527ull, 528ull, 529ull, 100'001ull}) {
+      SCOPED_TRACE(testing::Message() << "n=" << n << " start=" << startWord);
+      PCG64 reference(11);
+      for (std::uint64_t i = 0; i < startWord; ++i) reference.nextUInt32();
+      BoundedDrawStream stream(PCG64(11), n, startWord);
+      std::uint64_t words = 0;
+      for (int i = 0; i < 3000; ++i) {
+        if (i % 5 == 2) {
+          const int skipped = 1 + (i * 37) % 700;
+          for (int k = 0; k < skipped; ++k) boundedDraw(reference, n, words);
+          stream.skip(skipped);
+          ASSERT_EQ(stream.wordsUsed(), words) << "after skipping at draw " << i;
+        }
+        ASSERT_EQ(stream.next(), boundedDraw(reference, n, words)) << "draw " << i;
+      }
+      EXPECT_EQ(stream.wordsUsed(), words);
+    }
+  }
+}
+
+TEST(ThreadCount, OnlyAWholeNumberFromOneUpOverridesTheHardware) {
+  const struct {
+    const char* setting;
+    std::size_t hardware;
+    std::size_t expected;
+  } cases[] = {
+      {nullptr, 8, 8}, {"1", 8, 1}, {"3", 2, 3}, {"1024", 2, 1024}, {"0", 8, 8},  {"-1", 8, 8},
+      {"", 8, 8},      {"2x", 8, 8}, {" 2", 8, 8}, {"1025", 4, 4},    {nullptr, 0, 1}, {"abc", 0, 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(threadsFromSetting(c.setting, c.hardware), c.expected) << (c.setting ? c.setting : "(unset)");
+  }
+}
 
 TEST(PCG64DeathTest, BoundsOutsideTheRangeAreFatal) {
   PCG64 generator(1);
