@@ -62,6 +62,14 @@ void BoundedDrawStream::refill() {
                                : anyRejected<blockWords>(words_, n32, threshold_);
 }
 
+std::uint64_t BoundedDrawStream::retry() {
+  std::uint64_t m;
+  do {
+    m = std::uint64_t{nextWord()} * n_;
+  } while (static_cast<std::uint32_t>(m) < threshold_);
+  return m;
+}
+
 void BoundedDrawStream::skip(std::int64_t count) {
   const auto n32 = static_cast<std::uint32_t>(n_);
   while (count > 0) {

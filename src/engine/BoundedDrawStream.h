@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "engine/Pcg64.h"
@@ -33,6 +34,43 @@ class BoundedDrawStream {
     return m >> 32;
   }
 
+  // Draws up to `limit` values, handing each to visit(value), and stops
+  // early after the first for which visit returns true; returns the number
+  // of draws made. The same draws as next(), in a loop whose position stays
+  // in a register.
+  template <typename Visit>
+  std::int64_t drawUntil(std::int64_t limit, Visit&& visit) {
+    std::int64_t made = 0;
+    while (made < limit) {
+      if (position_ == blockWords) refill();
+      const std::uint32_t* words = words_;
+      const std::uint64_t n = n_;
+      const std::uint32_t threshold = threshold_;
+      int position = position_;
+      // One word per draw at most this far; a rejection ends the stretch.
+      const int end = static_cast<int>(std::min<std::int64_t>(blockWords, position + (limit - made)));
+      bool stop = false;
+      while (position < end) {
+        std::uint64_t m = std::uint64_t{words[position++]} * n;
+        const bool rejected = static_cast<std::uint32_t>(m) < threshold;
+        if (rejected) [[unlikely]] {
+          position_ = position;
+          m = retry();
+          position = position_;
+        }
+        ++made;
+        if (visit(m >> 32)) {
+          stop = true;
+          break;
+        }
+        if (rejected) [[unlikely]] break;
+      }
+      position_ = position;
+      if (stop) break;
+    }
+    return made;
+  }
+
   // Consumes `count` draws whose values are not needed.
   void skip(std::int64_t count);
 
@@ -47,6 +85,8 @@ class BoundedDrawStream {
     return words_[position_++];
   }
   void refill();
+  // The rest of a draw whose first word was rejected: its 64-bit product.
+  std::uint64_t retry();
 
   std::uint64_t n_;
   std::uint32_t threshold_;  // (2^32 - n) mod n

@@ -27,7 +27,14 @@ void validate(std::span<const double> samples, std::int64_t backlogSize, std::in
 
 // With a single sample every draw is index 0 and consumes nothing.
 struct SingleSampleDraws {
-  static std::uint64_t next() { return 0; }
+  template <typename Visit>
+  static std::int64_t drawUntil(std::int64_t limit, Visit&& visit) {
+    for (std::int64_t made = 0; made < limit;) {
+      ++made;
+      if (visit(std::uint64_t{0})) return made;
+    }
+    return std::max<std::int64_t>(limit, 0);
+  }
   static void skip(std::int64_t) {}
 };
 
@@ -46,36 +53,41 @@ struct Simulation {
 // returns whether any of them did not finish.
 template <typename Draws>
 bool simulateRange(const Simulation& sim, Draws& draws, std::span<std::int64_t> periodsOut, double* atHorizonOut) {
+  // Locals, so that the loops keep them in registers.
   const double* samples = sim.samples.data();
+  const double backlog = sim.backlog;
+  const std::int64_t maxPeriods = sim.maxPeriods;
+  const std::int64_t horizon = sim.horizon;
+  const bool checkFinish = sim.checkFinish;
   bool inconclusive = false;
   for (std::size_t t = 0; t < periodsOut.size(); ++t) {
     double cumulative = 0.0;
     double atHorizon = 0.0;
     std::int64_t p = 0;
-    std::int64_t needed = sim.checkFinish ? -1 : 0;
-    if (sim.checkFinish) {
-      while (p < sim.maxPeriods) {
-        cumulative += samples[draws.next()];
-        ++p;
-        if (p == sim.horizon) atHorizon = cumulative;
-        if (cumulative >= sim.backlog) {
-          needed = p;
-          break;
-        }
-      }
+    std::int64_t needed = checkFinish ? -1 : 0;
+    if (checkFinish) {
+      bool finished = false;
+      std::int64_t drawn = 0;
+      p = draws.drawUntil(maxPeriods, [&](std::uint64_t i) {
+        cumulative += samples[i];
+        if (++drawn == horizon) atHorizon = cumulative;
+        finished = cumulative >= backlog;
+        return finished;
+      });
+      if (finished) needed = p;
     }
-    if (p < sim.horizon) {
-      while (p < sim.horizon) {
-        cumulative += samples[draws.next()];
-        ++p;
-      }
+    if (p < horizon) {
+      p += draws.drawUntil(horizon - p, [&](std::uint64_t i) {
+        cumulative += samples[i];
+        return false;
+      });
       atHorizon = cumulative;
     }
     // The rest of the simulation's draws are consumed unused, so that every
     // simulation starts at the same point of the stream.
-    draws.skip(sim.maxPeriods - p);
+    draws.skip(maxPeriods - p);
     if (needed < 0) {
-      needed = sim.maxPeriods;
+      needed = maxPeriods;
       inconclusive = true;
     }
     periodsOut[t] = needed;

@@ -77,6 +77,22 @@ TEST(BoundedDrawStream, AgreesWithTheGeneratorDrawForDraw) {
           for (int k = 0; k < skipped; ++k) reference.nextBounded(n);
           stream.skip(skipped);
         }
+        if (i % 11 == 5) {
+          // A run of draws that stops at the first value divisible by 5, or
+          // after `limit` draws (which may cross blocks).
+          const std::int64_t limit = (i * 13) % 900;
+          std::vector<std::uint64_t> drawn, expected;
+          const std::int64_t made = stream.drawUntil(limit, [&](std::uint64_t value) {
+            drawn.push_back(value);
+            return value % 5 == 0;
+          });
+          while (static_cast<std::int64_t>(expected.size()) < limit) {
+            expected.push_back(reference.nextBounded(n));
+            if (expected.back() % 5 == 0) break;
+          }
+          ASSERT_EQ(drawn, expected) << "run of draws at " << i;
+          ASSERT_EQ(made, static_cast<std::int64_t>(drawn.size()));
+        }
         ASSERT_EQ(stream.next(), reference.nextBounded(n)) << "draw " << i;
       }
     }
