@@ -91,7 +91,6 @@ class BoundedDrawStream {
   std::uint64_t n_;
   std::uint32_t threshold_;  // (2^32 - n) mod n
   PcgWordBlocks source_;
-  bool vectorCheck_;
   std::uint64_t startOffset_;       // words of the first block before startWord (0 or 1)
   std::uint64_t wordsBeforeBlock_;  // words of earlier blocks, from the first block's start
   int position_;

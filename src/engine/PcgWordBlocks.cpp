@@ -44,15 +44,11 @@ PcgWordBlocks::PcgWordBlocks(const PCG64& generator, Kernel kernel)
   laneStep_ = PCG64::composedSteps(generator.increment(), static_cast<uint128>(lanes_));
 }
 
-void PcgWordBlocks::fill(std::uint32_t* words) {
-  if (kernel_ == Kernel::avx2) {
-    fillAvx2(words);
-  } else {
-    fillPortable(words);
-  }
+bool PcgWordBlocks::fill(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold) {
+  return kernel_ == Kernel::avx2 ? fillAvx2(words, n32, threshold) : fillPortable(words, n32, threshold);
 }
 
-void PcgWordBlocks::fillPortable(std::uint32_t* words) {
+bool PcgWordBlocks::fillPortable(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold) {
   uint128 states[portableLanes];
   for (int j = 0; j < portableLanes; ++j) states[j] = joined(high_[j], low_[j]);
   const uint128 m = laneStep_.multiplier;
@@ -69,6 +65,10 @@ void PcgWordBlocks::fillPortable(std::uint32_t* words) {
     low_[j] = static_cast<std::uint64_t>(states[j]);
     high_[j] = static_cast<std::uint64_t>(states[j] >> 64);
   }
+  // A separate pass, which the compiler vectorises.
+  std::uint32_t rejected = 0;
+  for (int i = 0; i < blockWords; ++i) rejected |= static_cast<std::uint32_t>(words[i] * n32 < threshold);
+  return rejected != 0;
 }
 
 #if defined(__x86_64__)
@@ -78,7 +78,8 @@ void PcgWordBlocks::fillPortable(std::uint32_t* words) {
 // the low 64 bits of m s come from the full product of the low halves, the
 // high 64 bits from that product's top plus the two cross products of halves
 // modulo 2^64. Every column sum stays below 2^64, so no carry is lost.
-__attribute__((target("avx2"))) void PcgWordBlocks::fillAvx2(std::uint32_t* words) {
+__attribute__((target("avx2"))) bool PcgWordBlocks::fillAvx2(std::uint32_t* words, std::uint32_t n32,
+                                                           std::uint32_t threshold) {
   const uint128 m = laneStep_.multiplier;
   const uint128 c = laneStep_.increment;
   const __m256i m0 = _mm256_set1_epi64x(limb(m, 0)), m1 = _mm256_set1_epi64x(limb(m, 1));
@@ -87,6 +88,10 @@ __attribute__((target("avx2"))) void PcgWordBlocks::fillAvx2(std::uint32_t* word
   const __m256i cHigh = _mm256_set1_epi64x(static_cast<long long>(static_cast<std::uint64_t>(c >> 64)));
   const __m256i low32 = _mm256_set1_epi64x(0xFFFFFFFFLL);
   const __m256i sixtyFour = _mm256_set1_epi64x(64);
+  const __m256i bound = _mm256_set1_epi32(static_cast<int>(n32));
+  const __m256i thresholds = _mm256_set1_epi32(static_cast<int>(threshold));
+  __m256i accepted = _mm256_set1_epi32(-1);  // all ones while no word is rejected
+  std::uint32_t scalarRejected = 0;
 
   constexpr int groups = avx2VectorLanes / 4;
   __m256i lows[groups], highs[groups];
@@ -108,6 +113,9 @@ __attribute__((target("avx2"))) void PcgWordBlocks::fillAvx2(std::uint32_t* word
       const __m256i out = _mm256_or_si256(_mm256_srlv_epi64(x, rotation),
                                           _mm256_sllv_epi64(x, _mm256_sub_epi64(sixtyFour, rotation)));
       _mm256_storeu_si256(reinterpret_cast<__m256i*>(words + 2 * (k + 4 * g)), out);
+      // A word is kept when (word * n32) mod 2^32 >= threshold, unsigned.
+      const __m256i product = _mm256_mullo_epi32(out, bound);
+      accepted = _mm256_and_si256(accepted, _mm256_cmpeq_epi32(_mm256_max_epu32(product, thresholds), product));
 
       const __m256i s1 = _mm256_srli_epi64(s01, 32), s3 = _mm256_srli_epi64(s23, 32);
       const __m256i p00 = _mm256_mul_epu32(s01, m0), p01 = _mm256_mul_epu32(s01, m1);
@@ -132,8 +140,10 @@ __attribute__((target("avx2"))) void PcgWordBlocks::fillAvx2(std::uint32_t* word
     for (int j = 0; j < scalarLanes; ++j) {
       const std::uint64_t x = PCG64::output(scalars[j]);
       scalars[j] = scalars[j] * m + c;
-      words[2 * (k + avx2VectorLanes + j)] = static_cast<std::uint32_t>(x);
-      words[2 * (k + avx2VectorLanes + j) + 1] = static_cast<std::uint32_t>(x >> 32);
+      const auto low = static_cast<std::uint32_t>(x), high = static_cast<std::uint32_t>(x >> 32);
+      words[2 * (k + avx2VectorLanes + j)] = low;
+      words[2 * (k + avx2VectorLanes + j) + 1] = high;
+      scalarRejected |= static_cast<std::uint32_t>(low * n32 < threshold) | static_cast<std::uint32_t>(high * n32 < threshold);
     }
   }
 
@@ -145,11 +155,14 @@ __attribute__((target("avx2"))) void PcgWordBlocks::fillAvx2(std::uint32_t* word
     low_[avx2VectorLanes + j] = static_cast<std::uint64_t>(scalars[j]);
     high_[avx2VectorLanes + j] = static_cast<std::uint64_t>(scalars[j] >> 64);
   }
+  return scalarRejected != 0 || _mm256_movemask_epi8(accepted) != -1;
 }
 
 #else
 
-void PcgWordBlocks::fillAvx2(std::uint32_t* words) { fillPortable(words); }
+bool PcgWordBlocks::fillAvx2(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold) {
+  return fillPortable(words, n32, threshold);
+}
 
 #endif
 

@@ -27,14 +27,17 @@ class PcgWordBlocks {
   // no buffered half; `kernel` is supported by this processor.
   explicit PcgWordBlocks(const PCG64& generator, Kernel kernel = fastestKernel());
 
-  // Writes the next blockWords words of the stream.
-  void fill(std::uint32_t* words);
+  // Writes the next blockWords words of the stream, and tells whether a
+  // bounded draw would reject any of them: whether (word * n32) mod 2^32 <
+  // threshold for some word (with n32 and threshold those of the bound; see
+  // BoundedDrawStream). The check rides along with the making of the words.
+  bool fill(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold);
 
  private:
   static constexpr int maxLanes = 11;
 
-  void fillPortable(std::uint32_t* words);
-  void fillAvx2(std::uint32_t* words);
+  bool fillPortable(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold);
+  bool fillAvx2(std::uint32_t* words, std::uint32_t n32, std::uint32_t threshold);
 
   Kernel kernel_;
   int lanes_;

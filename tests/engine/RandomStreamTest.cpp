@@ -53,12 +53,23 @@ TEST(PcgWordBlocks, EveryKernelGivesTheGeneratorsWords) {
       reference.nextUInt64();  // the blocks may start anywhere in the stream
       PcgWordBlocks blocks(reference, kernel);
       std::uint32_t words[PcgWordBlocks::blockWords];
-      for (int block = 0; block < 4; ++block) {
-        blocks.fill(words);
+      // Bounds whose words are rejected never, rarely (about one block in
+      // nine for a million), or about half the time.
+      const std::uint64_t bounds[] = {1ull << 32, 12, 1'000'000, (1ull << 31) + 1};
+      int blocksWithRejections = 0;
+      for (int block = 0; block < 64; ++block) {
+        const std::uint64_t n = bounds[block % 4];
+        const auto threshold = static_cast<std::uint32_t>(((std::uint64_t{1} << 32) - n) % n);
+        const bool flagged = blocks.fill(words, static_cast<std::uint32_t>(n), threshold);
+        bool rejected = false;
         for (int i = 0; i < PcgWordBlocks::blockWords; ++i) {
           ASSERT_EQ(words[i], reference.nextUInt32()) << "block " << block << " word " << i;
+          rejected = rejected || static_cast<std::uint32_t>(words[i] * n) < threshold;
         }
+        EXPECT_EQ(flagged, rejected) << "block " << block << " n=" << n;
+        blocksWithRejections += rejected && n == 1'000'000;
       }
+      EXPECT_GT(blocksWithRejections, 0);  // the rare case did occur
     }
   }
 }
