@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <thread>
 #include <vector>
 
@@ -56,19 +57,23 @@ RoadmapForecastInput roadmap40Epics() {
   return input;
 }
 
+// On a shared machine the fastest of several repetitions is the figure that
+// says most about the code: run with --benchmark_repetitions=N.
+double fastest(const std::vector<double>& times) { return *std::min_element(times.begin(), times.end()); }
+
 // The epics one after another on one thread, as the yardstick for the run on
 // every core below.
 void BM_Roadmap40EpicsOneThread(benchmark::State& state) {
   const RoadmapForecastInput input = roadmap40Epics();
   for (auto _ : state) benchmark::DoNotOptimize(evaluateRoadmap(input, 1));
 }
-BENCHMARK(BM_Roadmap40EpicsOneThread)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Roadmap40EpicsOneThread)->Unit(benchmark::kMillisecond)->UseRealTime()->ComputeStatistics("min", fastest);
 
 void BM_Roadmap40Epics(benchmark::State& state) {
   const RoadmapForecastInput input = roadmap40Epics();
   state.counters["threads"] = static_cast<double>(std::max(1u, std::thread::hardware_concurrency()));
   for (auto _ : state) benchmark::DoNotOptimize(input.run());
 }
-BENCHMARK(BM_Roadmap40Epics)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Roadmap40Epics)->Unit(benchmark::kMillisecond)->UseRealTime()->ComputeStatistics("min", fastest);
 
 }  // namespace
