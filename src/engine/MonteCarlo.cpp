@@ -96,10 +96,13 @@ bool simulateRange(const Simulation& sim, Draws& draws, std::span<std::int64_t> 
   return inconclusive;
 }
 
-// Fewer simulations than this per thread are not worth a thread.
+// Fewer simulations than this are not worth a block of their own.
 constexpr std::int64_t minSimulationsPerBlock = 256;
+// A few blocks per thread, so that a thread the system holds back leaves
+// its share to the others.
+constexpr std::int64_t blocksPerThread = 4;
 
-// The simulations split into consecutive blocks, one per thread. Without a
+// The simulations split into consecutive blocks shared by the threads. Without a
 // rejected word, simulation t starts at word t * maxPeriods of the stream, so
 // every block starts there at once; the blocks after a rejection run again
 // from the corrected word (see runSpeculatively), which leaves the result
@@ -107,8 +110,9 @@ constexpr std::int64_t minSimulationsPerBlock = 256;
 bool simulateBlocks(const Simulation& sim, const PCG64& generator, std::size_t threads,
                     std::span<std::int64_t> periodsOut, double* atHorizonOut) {
   const auto iterations = static_cast<std::int64_t>(periodsOut.size());
-  const auto blocks = static_cast<std::size_t>(
-      std::max<std::int64_t>(1, std::min(static_cast<std::int64_t>(threads), iterations / minSimulationsPerBlock)));
+  const auto wanted = threads <= 1 ? 1 : static_cast<std::int64_t>(threads) * blocksPerThread;
+  const auto blocks =
+      static_cast<std::size_t>(std::max<std::int64_t>(1, std::min(wanted, iterations / minSimulationsPerBlock)));
   const auto n = static_cast<std::uint64_t>(sim.samples.size());
   if (blocks == 1 || sim.maxPeriods == 0) {
     BoundedDrawStream draws(generator, n);
