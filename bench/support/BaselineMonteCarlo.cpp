@@ -56,7 +56,6 @@ class BoundedDrawStream {
   std::uint32_t words_[blockWords];
 };
 
-
 namespace {
 
 constexpr uint128 multiplierPower(int steps) {
@@ -120,7 +119,6 @@ void BoundedDrawStream::skip(std::int64_t count) {
     count -= chunk;
   }
 }
-
 
 namespace {
 
@@ -210,8 +208,9 @@ void fillPercentiles(ForecastResult& result, std::int64_t maxPeriods) {
 
 }  // namespace
 
-ForecastResult runMonteCarlo(std::span<const double> throughputSamples, std::int64_t backlogSize, std::int64_t iterations,
-                   std::int64_t maxPeriods, std::optional<std::uint64_t> seed, std::optional<std::int64_t> horizon) {
+ForecastResult runMonteCarlo(std::span<const double> throughputSamples, std::int64_t backlogSize,
+                             std::int64_t iterations, std::int64_t maxPeriods, std::optional<std::uint64_t> seed,
+                             std::optional<std::int64_t> horizon) {
   validate(throughputSamples, backlogSize, iterations, maxPeriods, horizon);
 
   ForecastResult result;

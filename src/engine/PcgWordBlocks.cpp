@@ -79,7 +79,7 @@ bool PcgWordBlocks::fillPortable(std::uint32_t* words, std::uint32_t n32, std::u
 // high 64 bits from that product's top plus the two cross products of halves
 // modulo 2^64. Every column sum stays below 2^64, so no carry is lost.
 __attribute__((target("avx2"))) bool PcgWordBlocks::fillAvx2(std::uint32_t* words, std::uint32_t n32,
-                                                           std::uint32_t threshold) {
+                                                             std::uint32_t threshold) {
   const uint128 m = laneStep_.multiplier;
   const uint128 c = laneStep_.increment;
   const __m256i m0 = _mm256_set1_epi64x(limb(m, 0)), m1 = _mm256_set1_epi64x(limb(m, 1));
@@ -110,8 +110,8 @@ __attribute__((target("avx2"))) bool PcgWordBlocks::fillAvx2(std::uint32_t* word
       // Output: (hi xor lo) rotated right by hi >> 58; a shift by 64 gives 0.
       const __m256i x = _mm256_xor_si256(s01, s23);
       const __m256i rotation = _mm256_srli_epi64(s23, 58);
-      const __m256i out = _mm256_or_si256(_mm256_srlv_epi64(x, rotation),
-                                          _mm256_sllv_epi64(x, _mm256_sub_epi64(sixtyFour, rotation)));
+      const __m256i out =
+          _mm256_or_si256(_mm256_srlv_epi64(x, rotation), _mm256_sllv_epi64(x, _mm256_sub_epi64(sixtyFour, rotation)));
       _mm256_storeu_si256(reinterpret_cast<__m256i*>(words + 2 * (k + 4 * g)), out);
       // A word is kept when (word * n32) mod 2^32 >= threshold, unsigned.
       const __m256i product = _mm256_mullo_epi32(out, bound);
@@ -125,8 +125,9 @@ __attribute__((target("avx2"))) bool PcgWordBlocks::fillAvx2(std::uint32_t* word
           _mm256_add_epi64(_mm256_srli_epi64(p00, 32), _mm256_srli_epi64(column0, 32)),
           _mm256_add_epi64(_mm256_add_epi64(_mm256_and_si256(p01, low32), _mm256_and_si256(p10, low32)), c1));
       const __m256i newLow = _mm256_or_si256(_mm256_and_si256(column0, low32), _mm256_slli_epi64(column1, 32));
-      const __m256i carried = _mm256_add_epi64(_mm256_add_epi64(p11, _mm256_srli_epi64(column1, 32)),
-                                               _mm256_add_epi64(_mm256_srli_epi64(p01, 32), _mm256_srli_epi64(p10, 32)));
+      const __m256i carried =
+          _mm256_add_epi64(_mm256_add_epi64(p11, _mm256_srli_epi64(column1, 32)),
+                           _mm256_add_epi64(_mm256_srli_epi64(p01, 32), _mm256_srli_epi64(p10, 32)));
       // (s2 + s3 2^32)(m0 + m1 2^32) and (s0 + s1 2^32)(m2 + m3 2^32), mod 2^64.
       const __m256i crossHigh = _mm256_add_epi64(
           _mm256_mul_epu32(s23, m0),
@@ -143,7 +144,8 @@ __attribute__((target("avx2"))) bool PcgWordBlocks::fillAvx2(std::uint32_t* word
       const auto low = static_cast<std::uint32_t>(x), high = static_cast<std::uint32_t>(x >> 32);
       words[2 * (k + avx2VectorLanes + j)] = low;
       words[2 * (k + avx2VectorLanes + j) + 1] = high;
-      scalarRejected |= static_cast<std::uint32_t>(low * n32 < threshold) | static_cast<std::uint32_t>(high * n32 < threshold);
+      scalarRejected |=
+          static_cast<std::uint32_t>(low * n32 < threshold) | static_cast<std::uint32_t>(high * n32 < threshold);
     }
   }
 

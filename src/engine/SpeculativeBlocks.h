@@ -33,10 +33,11 @@ void runSpeculatively(std::vector<std::uint64_t> plannedStarts, std::size_t thre
   std::vector<std::size_t> pending(blocks);
   for (std::size_t b = 0; b < blocks; ++b) pending[b] = b;
 
-  std::size_t settled = 0;           // blocks 0 .. settled - 1 ran from their true starts
+  std::size_t settled = 0;                                    // blocks 0 .. settled - 1 ran from their true starts
   std::uint64_t settledEnd = starts.empty() ? 0 : starts[0];  // where block `settled` truly starts
   while (!pending.empty()) {
-    parallelFor(pending.size(), threads, [&](std::size_t i) { used[pending[i]] = runBlock(pending[i], starts[pending[i]]); });
+    parallelFor(pending.size(), threads,
+                [&](std::size_t i) { used[pending[i]] = runBlock(pending[i], starts[pending[i]]); });
     while (settled < blocks && starts[settled] == settledEnd) settledEnd += used[settled++];
     pending.clear();
     std::uint64_t guess = settledEnd;

@@ -18,7 +18,8 @@ std::size_t threadsFromSetting(const char* setting, std::size_t hardwareThreads)
 }
 
 std::size_t engineThreads() {
-  static const std::size_t threads = threadsFromSetting(std::getenv("ORVANE_THREADS"), std::thread::hardware_concurrency());
+  static const std::size_t threads =
+      threadsFromSetting(std::getenv("ORVANE_THREADS"), std::thread::hardware_concurrency());
   return threads;
 }
 

@@ -1,5 +1,3 @@
-#include "engine/MonteCarlo.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,10 +8,10 @@
 #include <vector>
 
 #include "engine/BoundedDrawStream.h"
-
 #include "engine/ForecastError.h"
-#include "engine/SeedDerivation.h"
+#include "engine/MonteCarlo.h"
 #include "engine/Percentile.h"
+#include "engine/SeedDerivation.h"
 #include "engine/SpeculativeBlocks.h"
 #include "engine/ThroughputMultiplier.h"
 
@@ -72,7 +70,8 @@ TEST(MonteCarlo, AnyNumberOfThreadsGivesTheSerialResult) {
                                     << ", " << iterations << " x " << maxPeriods << ", horizon "
                                     << (horizon ? *horizon : -1));
     const ForecastResult serial = run(samples, backlog, iterations, maxPeriods, seed, horizon, 1);
-    for (const std::size_t threads : {2, 3, 8}) EXPECT_EQ(run(samples, backlog, iterations, maxPeriods, seed, horizon, threads), serial) << threads << " threads";
+    for (const std::size_t threads : {2, 3, 8})
+      EXPECT_EQ(run(samples, backlog, iterations, maxPeriods, seed, horizon, threads), serial) << threads << " threads";
   }
 }
 
@@ -109,7 +108,8 @@ TEST(MonteCarlo, IsReproducibleAndDerivesItsSeedFromTheInputs) {
   EXPECT_NE(first, run(samples, 100, 1000, 520, deriveSeed(samples, 100) + 1, 8));
   // A simulation's periods are where its running total first reaches the
   // backlog; the p50 sits between the fastest and slowest of them.
-  const auto [fastest, slowest] = std::minmax_element(first.periodsDistribution.begin(), first.periodsDistribution.end());
+  const auto [fastest, slowest] =
+      std::minmax_element(first.periodsDistribution.begin(), first.periodsDistribution.end());
   EXPECT_GE(first.p50, *fastest);
   EXPECT_LE(first.p50, *slowest);
   EXPECT_LE(first.p50, first.p70);

@@ -114,7 +114,6 @@ TEST(BoundedDrawStream, AgreesWithTheGeneratorDrawForDraw) {
   }
 }
 
-
 // A stream may start at any word; it then gives the draws the generator
 // gives after that many words, and counts the words it used, rejected ones
 // included. Bounds 2^31 + 1 and 3,000,000,019 reject about half and a third
@@ -148,7 +147,7 @@ TEST(ThreadCount, OnlyAWholeNumberFromOneUpOverridesTheHardware) {
     std::size_t hardware;
     std::size_t expected;
   } cases[] = {
-      {nullptr, 8, 8}, {"1", 8, 1}, {"3", 2, 3}, {"1024", 2, 1024}, {"0", 8, 8},  {"-1", 8, 8},
+      {nullptr, 8, 8}, {"1", 8, 1},  {"3", 2, 3},  {"1024", 2, 1024}, {"0", 8, 8},     {"-1", 8, 8},
       {"", 8, 8},      {"2x", 8, 8}, {" 2", 8, 8}, {"1025", 4, 4},    {nullptr, 0, 1}, {"abc", 0, 1},
   };
   for (const auto& c : cases) {
