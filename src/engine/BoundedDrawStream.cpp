@@ -5,65 +5,57 @@
 namespace orvane {
 namespace {
 
-constexpr uint128 multiplierPower(int steps) {
-  uint128 m = 1;
-  for (int i = 0; i < steps; ++i) m *= PCG64::multiplier;
-  return m;
+PCG64 advancedTo(const PCG64& generator, std::uint64_t startWord) {
+  PCG64 moved = generator;
+  moved.advance(startWord / 2);
+  return moved;
 }
-// `lanes` steps of the generator compose into one affine step s -> M s + C.
-constexpr uint128 laneMultiplier = multiplierPower(BoundedDrawStream::lanes);
 
 }  // namespace
 
-BoundedDrawStream::BoundedDrawStream(const PCG64& generator, std::uint64_t n)
-    : n_(n), threshold_(((std::uint64_t{1} << 32) - n) % n) {
-  ORVANE_REQUIRE(!generator.hasBuffered(), "BoundedDrawStream: generator holds a buffered half");
+BoundedDrawStream::BoundedDrawStream(const PCG64& generator, std::uint64_t n, std::uint64_t startWord,
+                                     PcgWordBlocks::Kernel kernel)
+    : n_(n),
+      threshold_(static_cast<std::uint32_t>(((std::uint64_t{1} << 32) - n) % n)),
+      source_(advancedTo(generator, startWord), kernel),
+      startOffset_(startWord % 2),
+      wordsBeforeBlock_(0) {
   ORVANE_REQUIRE(n >= 2 && n <= (std::uint64_t{1} << 32), "BoundedDrawStream: bound outside 2...2^32");
-  // Output k of the generator comes from the state after k + 1 steps; lane
-  // j makes outputs j, j + lanes, j + 2 lanes, ...
-  uint128 state = generator.state();
-  const uint128 increment = generator.increment();
-  laneIncrement_ = 0;
-  for (auto& laneState : laneStates_) {
-    state = state * PCG64::multiplier + increment;
-    laneState = state;
-    laneIncrement_ = laneIncrement_ * PCG64::multiplier + increment;
-  }
+  refill();
+  wordsBeforeBlock_ = 0;
+  position_ = static_cast<int>(startOffset_);
 }
 
 void BoundedDrawStream::refill() {
-  uint128 states[lanes];
-  for (int j = 0; j < lanes; ++j) states[j] = laneStates_[j];
-  const uint128 c = laneIncrement_;
-  const auto n32 = static_cast<std::uint32_t>(n_);  // 0 for n = 2^32, which never rejects
-  for (int k = 0; k < blockOutputs; k += lanes) {
-    for (int j = 0; j < lanes; ++j) {
-      const std::uint64_t x = PCG64::output(states[j]);
-      states[j] = states[j] * laneMultiplier + c;
-      words_[2 * (k + j)] = static_cast<std::uint32_t>(x);
-      words_[2 * (k + j) + 1] = static_cast<std::uint32_t>(x >> 32);
-    }
-  }
-  for (int j = 0; j < lanes; ++j) laneStates_[j] = states[j];
+  // n = 2^32 gives n32 = 0 and threshold 0: no word is ever rejected.
+  blockRejects_ = source_.fill(words_, static_cast<std::uint32_t>(n_), threshold_);
+  wordsBeforeBlock_ += blockWords;
   position_ = 0;
-  // A separate pass over the block vectorises.
-  std::uint32_t mayReject = 0;
-  for (const std::uint32_t word : words_) mayReject |= static_cast<std::uint32_t>(word * n32 < n32);
-  blockMayReject_ = mayReject != 0;
+}
+
+std::uint64_t BoundedDrawStream::retry() {
+  std::uint64_t m;
+  do {
+    m = std::uint64_t{nextWord()} * n_;
+  } while (static_cast<std::uint32_t>(m) < threshold_);
+  return m;
 }
 
 void BoundedDrawStream::skip(std::int64_t count) {
+  const auto n32 = static_cast<std::uint32_t>(n_);
   while (count > 0) {
     if (position_ == blockWords) refill();
-    if (blockMayReject_) {
-      // Some draw of this block may take more than one word: go one by one.
-      next();
-      --count;
+    if (!blockRejects_) {
+      const int chunk = static_cast<int>(std::min<std::int64_t>(count, blockWords - position_));
+      position_ += chunk;
+      count -= chunk;
       continue;
     }
-    const int chunk = static_cast<int>(std::min<std::int64_t>(count, blockWords - position_));
-    position_ += chunk;
-    count -= chunk;
+    // Some word of this block is rejected: count the accepted ones.
+    while (position_ < blockWords && count > 0) {
+      count -= static_cast<std::int64_t>(words_[position_] * n32 >= threshold_);
+      ++position_;
+    }
   }
 }
 

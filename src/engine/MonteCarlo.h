@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -23,8 +24,17 @@ inline constexpr std::int64_t defaultMaxPeriods = 520;
 // Throws ForecastFailure, checked in this order: nonPositiveIterations,
 // negativeBacklog, emptySamples, invalidHorizon (negative or > maxPeriods).
 // REQUIRES: maxPeriods >= 0; at most 2^32 samples.
+//
+// The simulations run on engineThreads() threads (ORVANE_THREADS=1 keeps
+// them on the calling thread); the result is the same, bit for bit, on any
+// number of threads.
 ForecastResult run(std::span<const double> throughputSamples, std::int64_t backlogSize,
                    std::int64_t iterations, std::int64_t maxPeriods, std::optional<std::uint64_t> seed,
                    std::optional<std::int64_t> horizon);
+
+// The same on at most `threads` threads (0 counts as 1).
+ForecastResult run(std::span<const double> throughputSamples, std::int64_t backlogSize,
+                   std::int64_t iterations, std::int64_t maxPeriods, std::optional<std::uint64_t> seed,
+                   std::optional<std::int64_t> horizon, std::size_t threads);
 
 }  // namespace orvane::MonteCarlo

@@ -15,4 +15,20 @@ PCG64::PCG64(std::uint64_t seed) {
   step();
 }
 
+void PCG64::advance(uint128 steps) {
+  const AffineStep jump = composedSteps(increment_, steps);
+  state_ = jump.multiplier * state_ + jump.increment;
+}
+
+PCG64::AffineStep PCG64::composedSteps(uint128 increment, uint128 steps) {
+  // Square-and-multiply on affine maps: `power` is the map of 2^i steps.
+  AffineStep total{1, 0};
+  AffineStep power{multiplier, increment};
+  for (; steps != 0; steps >>= 1) {
+    if (steps & 1) total = {total.multiplier * power.multiplier, total.increment * power.multiplier + power.increment};
+    power = {power.multiplier * power.multiplier, power.increment * power.multiplier + power.increment};
+  }
+  return total;
+}
+
 }  // namespace orvane

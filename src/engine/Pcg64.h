@@ -14,6 +14,12 @@ __extension__ typedef unsigned __int128 uint128;
 // independently. Everything here is inline: it sits on the hot path.
 class PCG64 {
  public:
+  // An affine map s -> multiplier s + increment on the 128-bit state.
+  struct AffineStep {
+    uint128 multiplier;
+    uint128 increment;
+  };
+
   static constexpr uint128 multiplier =
       (uint128{0x2360ED051FC65DA4ULL} << 64) | uint128{0x4385DF649FCCF645ULL};
 
@@ -56,6 +62,14 @@ class PCG64 {
     }
     return m >> 32;
   }
+
+  // Moves the generator `steps` 64-bit outputs ahead in O(log steps) time;
+  // the 32-bit buffer is left as it is.
+  void advance(uint128 steps);
+
+  // `steps` steps of the generator with this increment, composed into one
+  // map: the state after them is multiplier * state + increment.
+  static AffineStep composedSteps(uint128 increment, uint128 steps);
 
   uint128 state() const { return state_; }
   uint128 increment() const { return increment_; }

@@ -163,7 +163,7 @@ std::optional<std::int64_t> optionalInt(const json& value) {
   return value.get<std::int64_t>();
 }
 
-void expectForecast(const json& c) {
+void expectForecast(const json& c, std::size_t threads) {
   const auto samples = c["samples"].get<std::vector<double>>();
   const auto backlog = c["backlog"].get<std::int64_t>();
   const auto iterations = c["iterations"].get<std::int64_t>();
@@ -176,7 +176,7 @@ void expectForecast(const json& c) {
   }
 
   const ForecastResult result =
-      MonteCarlo::run(samples, backlog, iterations, c["maxPeriods"].get<std::int64_t>(), seed, horizon);
+      MonteCarlo::run(samples, backlog, iterations, c["maxPeriods"].get<std::int64_t>(), seed, horizon, threads);
   EXPECT_EQ(result.iterations, iterations);
   EXPECT_EQ(result.backlogSize, backlog);
   EXPECT_EQ(result.inconclusive, c["inconclusive"].get<bool>());
@@ -219,10 +219,13 @@ void expectForecast(const json& c) {
   }
 }
 
+// On one thread and split over several: the same numbers.
 TEST(NumpyGolden, ForecastsMatchTheIndexMatrixComputation) {
   for (const json& c : table("forecasts.json", "cases")) {
-    SCOPED_TRACE(c["name"].get<std::string>());
-    expectForecast(c);
+    for (const std::size_t threads : {1, 2, 7}) {
+      SCOPED_TRACE(c["name"].get<std::string>() + " on " + std::to_string(threads) + " threads");
+      expectForecast(c, threads);
+    }
   }
 }
 

@@ -7,8 +7,9 @@
 namespace orvane {
 
 // The roadmap forecast on at most `workers` threads (0 counts as 1).
-// RoadmapForecastInput::run() is this with one worker per core; the result
-// is the same, bit for bit, whatever the number. Throws ForecastFailure.
+// RoadmapForecastInput::run() is this with engineThreads() workers (one per
+// hardware thread unless ORVANE_THREADS says otherwise); the result is the
+// same, bit for bit, whatever the number. Throws ForecastFailure.
 RoadmapForecast evaluateRoadmap(const RoadmapForecastInput& input, std::size_t workers);
 
 }  // namespace orvane

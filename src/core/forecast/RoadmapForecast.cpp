@@ -1,13 +1,11 @@
 #include "core/forecast/RoadmapForecast.h"
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <exception>
 #include <functional>
 #include <queue>
 #include <span>
-#include <thread>
 #include <unordered_map>
 
 #include "core/forecast/ForecastInput.h"
@@ -15,8 +13,10 @@
 #include "engine/ForecastDate.h"
 #include "engine/ForecastResult.h"
 #include "engine/MonteCarlo.h"
+#include "engine/ParallelFor.h"
 #include "engine/Percentile.h"
 #include "engine/SeedDerivation.h"
+#include "engine/ThreadCount.h"
 
 namespace orvane {
 namespace {
@@ -24,29 +24,6 @@ namespace {
 // Added (k + 1) times to the seed of the epic at index k, so that epics with
 // the same number of open tickets still simulate different futures.
 constexpr std::uint64_t goldenRatioStep = 0x9E3779B97F4A7C15ULL;
-
-// Calls task(i) for every i in [0, count) on at most `workers` threads, the
-// calling thread included; each worker takes the next index as it becomes
-// free. REQUIRES: task does not throw.
-template <typename Task>
-void forEachIndex(std::size_t count, std::size_t workers, const Task& task) {
-  workers = std::min(std::max<std::size_t>(workers, 1), count);
-  if (workers <= 1) {
-    for (std::size_t i = 0; i < count; ++i) task(i);
-    return;
-  }
-  std::atomic<std::size_t> next{0};
-  const auto work = [&] {
-    for (std::size_t i = next.fetch_add(1, std::memory_order_relaxed); i < count;
-         i = next.fetch_add(1, std::memory_order_relaxed)) {
-      task(i);
-    }
-  };
-  std::vector<std::jthread> helpers;
-  helpers.reserve(workers - 1);
-  for (std::size_t w = 1; w < workers; ++w) helpers.emplace_back(work);
-  work();
-}
 
 // Sorts finish times ascending in linear time. They are never negative,
 // -0.0 or NaN, so their bit patterns order as their values do, and an LSD
@@ -203,16 +180,18 @@ RoadmapForecast evaluateRoadmap(const RoadmapForecastInput& input, std::size_t w
 
   // Own durations. The runs are independent and each fills only its own
   // slot, so the number of workers cannot change any result. finishes[k]
-  // stays empty for an epic with nothing open.
+  // stays empty for an epic with nothing open. Threads left over when there
+  // are fewer epics than workers go to each epic's own run.
+  const std::size_t threadsPerRun = std::max<std::size_t>(1, workers / std::max<std::size_t>(1, withWork.size()));
   std::vector<std::vector<double>> finishes(n);
   std::vector<char> inconclusive(n, 0);
   std::vector<std::exception_ptr> failures(n);
-  forEachIndex(withWork.size(), workers, [&](std::size_t j) {
+  parallelFor(withWork.size(), workers, [&](std::size_t j) {
     const std::size_t k = withWork[j];
     try {
       const std::uint64_t seed = deriveSeed(samples, epics[k].open) + (k + 1) * goldenRatioStep;
       const ForecastResult run = MonteCarlo::run(samples, epics[k].open, ForecastSettings::iterations,
-                                                 ForecastSettings::maxPeriods, seed, std::nullopt);
+                                                 ForecastSettings::maxPeriods, seed, std::nullopt, threadsPerRun);
       finishes[k].assign(run.periodsDistribution.begin(), run.periodsDistribution.end());
       inconclusive[k] = run.inconclusive;
     } catch (...) {
@@ -258,7 +237,7 @@ RoadmapForecast evaluateRoadmap(const RoadmapForecastInput& input, std::size_t w
   }
 
   // Everything from here on reads the finish times only as sorted lists.
-  forEachIndex(withWork.size() + 1, workers, [&](std::size_t j) {
+  parallelFor(withWork.size() + 1, workers, [&](std::size_t j) {
     std::vector<double>& values = j < withWork.size() ? finishes[withWork[j]] : projectFinishes;
     sortFinishes(values);
   });
@@ -318,7 +297,7 @@ RoadmapForecast evaluateRoadmap(const RoadmapForecastInput& input, std::size_t w
 }
 
 RoadmapForecast RoadmapForecastInput::run() const {
-  return evaluateRoadmap(*this, std::max(1u, std::thread::hardware_concurrency()));
+  return evaluateRoadmap(*this, engineThreads());
 }
 
 }  // namespace orvane
