@@ -153,20 +153,21 @@ void MainWindow::buildMenus() {
     }
   });
 
-  // The Forecast view's commands; built when opened, so each is offered
-  // only while the view on screen can carry it out.
+  // The Forecast view's commands, offered only while that view is on
+  // screen and can carry them out; logging, the frequent one, has Ctrl+L.
   QMenu* forecast = menuBar()->addMenu(QStringLiteral("Fo&recast"));
   forecast->setObjectName(QStringLiteral("forecastMenu"));
-  connect(forecast, &QMenu::aboutToShow, this, [this, forecast] {
-    forecast->clear();
-    auto* view = qobject_cast<ForecastView*>(pane_->view(ProjectViewMode::forecast));
-    if (view == nullptr) return;
-    const bool onForecast = viewMode() == ProjectViewMode::forecast && selectedProject().has_value();
-    for (QAction* command : view->commands()) {
-      QAction* entry = forecast->addAction(command->text(), command, &QAction::trigger);
-      entry->setEnabled(onForecast && command->isEnabled());
-    }
-  });
+  auto* forecastView = qobject_cast<ForecastView*>(pane_->view(ProjectViewMode::forecast));
+  const auto canAct = [this](QAction* command) {
+    return viewMode() == ProjectViewMode::forecast && selectedProject().has_value() && command->isEnabled();
+  };
+  for (QAction* command : forecastView->commands()) {
+    QAction* entry = forecast->addAction(command->text(), this, [command, canAct] {
+      if (canAct(command)) command->trigger();
+    });
+    if (command == forecastView->logAction()) entry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+    connect(forecast, &QMenu::aboutToShow, entry, [entry, command, canAct] { entry->setEnabled(canAct(command)); });
+  }
 
   QMenu* people = menuBar()->addMenu(QStringLiteral("P&eople"));
   QAction* peopleAction = people->addAction(QStringLiteral("People…"), this, &MainWindow::showPeople);

@@ -37,6 +37,7 @@
 #include "app/TicketOpener.h"
 #include "app/UndoHistory.h"
 #include "app/forecast/ForecastView.h"
+#include "app/forecast/LogForecastDialog.h"
 
 using namespace orvane;
 using namespace orvane::app;
@@ -492,6 +493,17 @@ void MainWindowTest::forecastMenuCarriesTheForecastViewsCommands() {
   copy->trigger();
   QVERIFY(QApplication::clipboard()->text().contains("numpy"));
   QVERIFY(entryOf("How would this forecast have done?…")->isEnabled());
+
+  // Ctrl+L logs the forecast on screen: it asks for the note first.
+  QAction* log = entryOf("Log this forecast…");
+  QCOMPARE(log->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_L));
+  log->trigger();
+  QCOMPARE(view->findChildren<LogForecastDialog*>().size(), 1);
+  view->findChild<LogForecastDialog*>()->reject();
+  // Elsewhere the shortcut does nothing.
+  window.setViewMode(ProjectViewMode::board);
+  log->trigger();
+  QTRY_COMPARE(view->findChildren<LogForecastDialog*>().size(), 0);
 }
 
 QTEST_MAIN(MainWindowTest)

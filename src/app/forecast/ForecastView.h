@@ -57,6 +57,7 @@ class ForecastView : public ProjectViewBase {
 
   // The view's commands, for its buttons and the window's Forecast menu;
   // each is enabled only while it can act.
+  QAction* logAction() const { return logAction_; }
   QAction* copyScriptAction() const { return copyScript_; }
   QAction* backtestAction() const { return backtest_; }
   QList<QAction*> commands() const { return {logAction_, copyScript_, backtest_}; }
