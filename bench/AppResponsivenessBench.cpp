@@ -11,12 +11,12 @@
 #include <memory>
 #include <string>
 
-#include "app/AppContext.h"
-#include "app/BoardColumnModel.h"
-#include "app/BoardColumnWidget.h"
-#include "app/BoardView.h"
-#include "app/MainWindow.h"
-#include "app/ProjectPane.h"
+#include "app/shell/AppContext.h"
+#include "app/board/BoardColumnModel.h"
+#include "app/board/BoardColumnWidget.h"
+#include "app/board/BoardView.h"
+#include "app/shell/MainWindow.h"
+#include "app/shell/ProjectPane.h"
 #include "core/board/BoardService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"

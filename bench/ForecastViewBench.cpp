@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 #include "app/forecast/ForecastView.h"
 #include "core/board/BoardService.h"
 #include "core/forecast/ForecastService.h"

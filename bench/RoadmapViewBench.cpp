@@ -14,7 +14,7 @@
 #include <memory>
 #include <optional>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapView.h"
 #include "core/board/RoadmapSample.h"

@@ -1,6 +1,6 @@
 #include <csignal>
 
-#include "app/AppLauncher.h"
+#include "app/shell/AppLauncher.h"
 
 int main(int argc, char** argv) {
   // Past a file-size limit a write then fails with EFBIG, which the file

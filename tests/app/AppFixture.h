@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <memory>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 #include "core/support/TempStore.h"
 
 namespace orvane::testing {

@@ -16,7 +16,7 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/ExternalChangeWatcher.h"
+#include "app/shell/ExternalChangeWatcher.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowCumulativeChart.h"

@@ -27,7 +27,7 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/UndoHistory.h"
+#include "app/shell/UndoHistory.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/forecast/BacktestDialog.h"
 #include "app/charts/ForecastHistoryChart.h"

@@ -8,11 +8,11 @@
 #include <fstream>
 
 #include "app/AppFixture.h"
-#include "app/ImportDialog.h"
-#include "app/MainWindow.h"
-#include "app/StoreCommands.h"
-#include "app/TicketExchangeCommands.h"
-#include "app/UndoHistory.h"
+#include "app/exchange/ImportDialog.h"
+#include "app/shell/MainWindow.h"
+#include "app/shell/StoreCommands.h"
+#include "app/exchange/TicketExchangeCommands.h"
+#include "app/shell/UndoHistory.h"
 #include "core/exchange/TicketXlsx.h"
 #include "core/support/StoreDump.h"
 

@@ -6,9 +6,9 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/PeopleView.h"
-#include "app/TicketOpener.h"
-#include "app/UndoHistory.h"
+#include "app/planning/PeopleView.h"
+#include "app/ticket/TicketOpener.h"
+#include "app/shell/UndoHistory.h"
 #include "core/store/Rows.h"
 
 using namespace orvane;

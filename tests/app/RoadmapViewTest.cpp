@@ -17,7 +17,7 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/UndoHistory.h"
+#include "app/shell/UndoHistory.h"
 #include "app/roadmap/RoadmapItems.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapTimeline.h"

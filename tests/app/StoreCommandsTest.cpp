@@ -6,12 +6,12 @@
 #include <fstream>
 
 #include "app/AppFixture.h"
-#include "app/MainWindow.h"
-#include "app/NewProjectDialog.h"
-#include "app/ProjectSetupDialog.h"
-#include "app/ProjectSidebar.h"
-#include "app/StoreCommands.h"
-#include "app/UndoHistory.h"
+#include "app/shell/MainWindow.h"
+#include "app/shell/NewProjectDialog.h"
+#include "app/shell/ProjectSetupDialog.h"
+#include "app/shell/ProjectSidebar.h"
+#include "app/shell/StoreCommands.h"
+#include "app/shell/UndoHistory.h"
 
 using namespace orvane;
 using namespace orvane::app;

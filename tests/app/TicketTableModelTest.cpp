@@ -1,8 +1,8 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/TicketListView.h"
-#include "app/TicketTableModel.h"
+#include "app/ticket/TicketListView.h"
+#include "app/ticket/TicketTableModel.h"
 
 using namespace orvane;
 using namespace orvane::app;

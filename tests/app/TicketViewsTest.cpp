@@ -8,14 +8,14 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/ArchivedView.h"
-#include "app/CalendarDayCell.h"
-#include "app/CalendarView.h"
-#include "app/FilterBar.h"
-#include "app/MainWindow.h"
-#include "app/ProjectPane.h"
-#include "app/TicketCard.h"
-#include "app/TicketTableModel.h"
+#include "app/ticket/ArchivedView.h"
+#include "app/planning/CalendarDayCell.h"
+#include "app/planning/CalendarView.h"
+#include "app/board/FilterBar.h"
+#include "app/shell/MainWindow.h"
+#include "app/shell/ProjectPane.h"
+#include "app/board/TicketCard.h"
+#include "app/ticket/TicketTableModel.h"
 
 using namespace orvane;
 using namespace orvane::app;

@@ -3,7 +3,7 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/UndoHistory.h"
+#include "app/shell/UndoHistory.h"
 #include "core/support/StoreDump.h"
 
 using namespace orvane;

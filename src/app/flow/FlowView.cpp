@@ -9,7 +9,7 @@
 #include <QVBoxLayout>
 #include <exception>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowChartParts.h"

@@ -11,7 +11,7 @@
 #include <cmath>
 #include <exception>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 
 namespace orvane::app {
 namespace {

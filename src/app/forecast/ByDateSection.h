@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/LatestRun.h"
+#include "app/widgets/LatestRun.h"
 #include "core/forecast/ForecastInput.h"
 
 class QDateEdit;

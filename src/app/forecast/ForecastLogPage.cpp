@@ -8,8 +8,8 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "app/AppContext.h"
-#include "app/Confirm.h"
+#include "app/shell/AppContext.h"
+#include "app/widgets/Confirm.h"
 #include "app/charts/ForecastHistoryChart.h"
 #include "app/forecast/AccuracySection.h"
 #include "app/forecast/ForecastTables.h"

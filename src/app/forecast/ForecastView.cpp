@@ -23,8 +23,8 @@
 #include <exception>
 #include <string>
 
-#include "app/Alert.h"
-#include "app/AppContext.h"
+#include "app/widgets/Alert.h"
+#include "app/shell/AppContext.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/BacktestDialog.h"

@@ -6,7 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/AppContext.h"
+#include "app/shell/AppContext.h"
 #include "core/forecast/ForecastService.h"
 
 namespace orvane::app {

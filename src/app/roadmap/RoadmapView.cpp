@@ -11,9 +11,9 @@
 #include <exception>
 #include <map>
 
-#include "app/AppContext.h"
-#include "app/EpicDialog.h"
-#include "app/ItemIds.h"
+#include "app/shell/AppContext.h"
+#include "app/planning/EpicDialog.h"
+#include "app/widgets/ItemIds.h"
 #include "app/roadmap/RoadmapItems.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapTimeline.h"

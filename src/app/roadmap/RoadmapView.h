@@ -3,8 +3,8 @@
 #include <memory>
 #include <optional>
 
-#include "app/LatestRun.h"
-#include "app/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
+#include "app/shell/ProjectViewBase.h"
 #include "app/roadmap/RoadmapPicture.h"
 
 class QComboBox;
