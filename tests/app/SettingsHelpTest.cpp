@@ -68,6 +68,14 @@ QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArra
 
 QString storedRecord() { return QSettings().value(brandingKey).toString(); }
 
+// 1280x800 less a task bar: every control must stay reachable there.
+void fitsASmallScreen(const QWidget* widget) {
+  const QSize needed = widget->minimumSizeHint().expandedTo(widget->minimumSize());
+  QVERIFY2(
+      needed.width() <= 1280 && needed.height() <= 800 - 48,
+      qPrintable(QStringLiteral("%1 needs %2x%3").arg(widget->objectName()).arg(needed.width()).arg(needed.height())));
+}
+
 }  // namespace
 
 void SettingsHelpTest::saveWritesOneRecordOfFourKeysAndReadsBack() {
@@ -213,9 +221,8 @@ void SettingsHelpTest::helpNamesEveryShortcutTheWindowHas() {
   HelpWindow browser(nullptr);
   QStringList titles;
   for (int row = 0; row < browser.contents()->count(); ++row) titles << browser.contents()->item(row)->text();
-  QCOMPARE(titles,
-           (QStringList{"Finding your way", "How the forecasts work", "The flow measures", "Who prepared the reports",
-                        "Keyboard shortcuts", "Where your data lives, and backing it up"}));
+  QCOMPARE(titles, (QStringList{"Finding your way", "How the forecasts work", "The flow measures",
+                                "Who prepared the reports", "Keyboard shortcuts", "Your data and its backup"}));
 }
 
 void SettingsHelpTest::keysAndMenusOpenSettingsHelpAndAbout() {
@@ -229,6 +236,7 @@ void SettingsHelpTest::keysAndMenusOpenSettingsHelpAndAbout() {
   const QList<HelpWindow*> helps = window.findChildren<HelpWindow*>();
   QCOMPARE(helps.size(), 1);
   QVERIFY(helps.front()->isVisible());
+  fitsASmallScreen(helps.front());
   // Asked for again, the same window comes forward.
   QCOMPARE(window.showHelp(), helps.front());
   QCOMPARE(window.findChildren<HelpWindow*>().size(), 1);
@@ -240,9 +248,11 @@ void SettingsHelpTest::keysAndMenusOpenSettingsHelpAndAbout() {
   auto* settings = window.findChild<SettingsDialog*>();
   QVERIFY(settings != nullptr);
   QVERIFY(settings->isVisible());
+  fitsASmallScreen(settings);
   settings->reject();
 
   AboutDialog* about = window.showAbout();
+  fitsASmallScreen(about);
   QVERIFY(QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$")).match(AboutDialog::version()).hasMatch());
   QVERIFY(about->text().contains(QStringLiteral("Version ") + AboutDialog::version()));
   for (const char* library : {"Qt 6", "SQLite", "ICU", "nlohmann/json", "zlib", "Expat", "OpenSSL"})

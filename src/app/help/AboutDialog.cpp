@@ -62,9 +62,12 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
   auto* icon = new QLabel(this);
   icon->setPixmap(QIcon(QStringLiteral(":/orvane/orvane.svg")).pixmap(64, 64));
   icon->setAlignment(Qt::AlignTop);
+  // Without Qt's SVG plugin the icon draws as nothing: no empty gap then.
+  icon->setVisible(!icon->pixmap().isNull());
   auto* body = new QTextBrowser(this);
   body->setObjectName(QStringLiteral("aboutText"));
   body->setFrameShape(QFrame::NoFrame);
+  body->setStyleSheet(QStringLiteral("QTextBrowser { background: transparent; }"));
   body->setHtml(QStringLiteral("<style>td { padding: 2px 10px 2px 0; }</style>") + text_);
   auto* top = new QHBoxLayout;
   top->addWidget(icon);
@@ -75,7 +78,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent) {
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(top, 1);
   layout->addWidget(buttons);
-  resize(720, 440);
+  resize(720, 400);
 }
 
 }  // namespace orvane::app

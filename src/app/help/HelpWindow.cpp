@@ -40,6 +40,10 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
     item->setData(anchorRole, found.captured(1));
   }
 
+  // Wide enough for the longest section title, never scrolled sideways.
+  contents_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  contents_->setMinimumWidth(contents_->sizeHintForColumn(0) + 2 * contents_->frameWidth() + 16);
+
   browser_ = new QTextBrowser(this);
   browser_->setObjectName(QStringLiteral("helpText"));
   browser_->setOpenExternalLinks(true);
@@ -53,7 +57,7 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   splitter->addWidget(contents_);
   splitter->addWidget(browser_);
   splitter->setStretchFactor(1, 1);
-  splitter->setSizes({220, 640});
+  splitter->setSizes({contents_->minimumWidth(), 900 - contents_->minimumWidth()});
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);

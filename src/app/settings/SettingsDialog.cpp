@@ -73,8 +73,8 @@ SettingsDialog::SettingsDialog(QWidget* parent) : QDialog(parent) {
 
   auto* form = new QFormLayout(branding);
   form->addRow(makeNote(QStringLiteral("Named at the foot of every report page and development pack, for all "
-                                       "projects. Who each project's reports go to is set in Project > Report "
-                                       "recipients…."),
+                                       "projects. Who receives a project's reports is kept with the project "
+                                       "(Project > Report recipients…)."),
                         branding));
   form->addRow(QStringLiteral("Prepared by"), preparedBy_);
   form->addRow(QStringLiteral("Organisation"), organisation_);
