@@ -6,13 +6,14 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTreeWidget>
 
 #include "app/AppFixture.h"
 #include "app/MainWindow.h"
@@ -217,12 +218,21 @@ void SettingsHelpTest::helpNamesEveryShortcutTheWindowHas() {
   // The menus, the nine views and the card commands at the least.
   QVERIFY2(shortcuts >= 20, qPrintable(QString::number(shortcuts)));
 
-  // Each section of the text is listed, in order, and leads to itself.
+  // Each section of the text is listed, in order, with its parts under it.
   HelpWindow browser(nullptr);
   QStringList titles;
-  for (int row = 0; row < browser.contents()->count(); ++row) titles << browser.contents()->item(row)->text();
+  for (int row = 0; row < browser.contents()->topLevelItemCount(); ++row)
+    titles << browser.contents()->topLevelItem(row)->text(0);
   QCOMPARE(titles, (QStringList{"Finding your way", "How the forecasts work", "The flow measures",
                                 "Who prepared the reports", "Keyboard shortcuts", "Your data and its backup"}));
+  QCOMPARE(browser.contents()->topLevelItem(1)->childCount(), 11);
+  // Choosing a part brings it into sight.
+  browser.resize(800, 400);
+  browser.show();
+  QVERIFY(QTest::qWaitForWindowExposed(&browser));
+  browser.showSection(QStringLiteral("calibration"));
+  QCOMPARE(browser.contents()->currentItem()->text(0), QStringLiteral("Logging forecasts and calibration"));
+  QVERIFY(browser.browser()->verticalScrollBar()->value() > 0);
 }
 
 void SettingsHelpTest::keysAndMenusOpenSettingsHelpAndAbout() {

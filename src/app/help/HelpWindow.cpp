@@ -2,10 +2,11 @@
 
 #include <QFile>
 #include <QHBoxLayout>
-#include <QListWidget>
 #include <QRegularExpression>
 #include <QSplitter>
 #include <QTextBrowser>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 
 #include "app/AppResources.h"
 
@@ -29,28 +30,36 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   setWindowTitle(QStringLiteral("Orvane Help"));
 
   const QString text = html();
-  contents_ = new QListWidget(this);
+  contents_ = new QTreeWidget(this);
   contents_->setObjectName(QStringLiteral("helpContents"));
-  // The table of contents comes from the text's own sections, so a section
+  contents_->setHeaderHidden(true);
+  contents_->setRootIsDecorated(false);
+  contents_->setIndentation(14);
+  // The table of contents comes from the text's own headings, so a section
   // added to the text is listed without touching this code.
-  static const QRegularExpression section(QStringLiteral("<h2><a name=\"([^\"]+)\"></a>([^<]+)</h2>"));
-  for (auto match = section.globalMatch(text); match.hasNext();) {
+  static const QRegularExpression heading(QStringLiteral("<h([23])><a name=\"([^\"]+)\"></a>([^<]+)</h[23]>"));
+  QTreeWidgetItem* section = nullptr;
+  for (auto match = heading.globalMatch(text); match.hasNext();) {
     const QRegularExpressionMatch found = match.next();
-    auto* item = new QListWidgetItem(found.captured(2), contents_);
-    item->setData(anchorRole, found.captured(1));
+    const bool part = found.captured(1) == QLatin1String("3") && section != nullptr;
+    auto* item = part ? new QTreeWidgetItem(section) : new QTreeWidgetItem(contents_);
+    item->setText(0, found.captured(3));
+    item->setData(0, anchorRole, found.captured(2));
+    if (!part) section = item;
   }
-
-  // Wide enough for the longest section title, never scrolled sideways.
+  contents_->expandAll();
+  // Wide enough for the longest title, never scrolled sideways.
   contents_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  contents_->setMinimumWidth(contents_->sizeHintForColumn(0) + 2 * contents_->frameWidth() + 16);
+  contents_->resizeColumnToContents(0);
+  contents_->setMinimumWidth(contents_->columnWidth(0) + 2 * contents_->frameWidth() + 8);
 
   browser_ = new QTextBrowser(this);
   browser_->setObjectName(QStringLiteral("helpText"));
   browser_->setOpenExternalLinks(true);
   browser_->setHtml(text);
 
-  connect(contents_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
-    if (item != nullptr) browser_->scrollToAnchor(item->data(anchorRole).toString());
+  connect(contents_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+    if (item != nullptr) browser_->scrollToAnchor(item->data(0, anchorRole).toString());
   });
 
   auto* splitter = new QSplitter(this);
@@ -65,9 +74,9 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
 }
 
 void HelpWindow::showSection(const QString& anchor) {
-  for (int row = 0; row < contents_->count(); ++row) {
-    if (contents_->item(row)->data(anchorRole).toString() == anchor) {
-      contents_->setCurrentRow(row);
+  for (QTreeWidgetItemIterator it(contents_); *it != nullptr; ++it) {
+    if ((*it)->data(0, anchorRole).toString() == anchor) {
+      contents_->setCurrentItem(*it);
       browser_->scrollToAnchor(anchor);
       return;
     }

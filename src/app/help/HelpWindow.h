@@ -3,13 +3,14 @@
 #include <QString>
 #include <QWidget>
 
-class QListWidget;
 class QTextBrowser;
+class QTreeWidget;
 
 namespace orvane::app {
 
 // The help text (a resource, so it ships inside the binary) in a browser,
-// with its sections listed at the side; choosing one scrolls to it.
+// with its sections and their parts listed at the side; choosing one
+// scrolls to it.
 class HelpWindow : public QWidget {
   Q_OBJECT
 
@@ -19,12 +20,14 @@ class HelpWindow : public QWidget {
   // The whole help text, as HTML.
   static QString html();
   QTextBrowser* browser() const { return browser_; }
-  QListWidget* contents() const { return contents_; }
-  // Shows the section whose anchor is `anchor` ("forecasts", "shortcuts" ...).
+  // One top-level item per section, its parts as children.
+  QTreeWidget* contents() const { return contents_; }
+  // Shows the section or part whose anchor is `anchor` ("forecasts",
+  // "shortcuts" ...).
   void showSection(const QString& anchor);
 
  private:
-  QListWidget* contents_;
+  QTreeWidget* contents_;
   QTextBrowser* browser_;
 };
 
