@@ -66,11 +66,11 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   splitter->addWidget(contents_);
   splitter->addWidget(browser_);
   splitter->setStretchFactor(1, 1);
-  splitter->setSizes({contents_->minimumWidth(), 900 - contents_->minimumWidth()});
+  splitter->setSizes({contents_->minimumWidth(), 960 - contents_->minimumWidth()});
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(splitter);
-  resize(900, 640);
+  resize(960, 640);
 }
 
 void HelpWindow::showSection(const QString& anchor) {
