@@ -11,6 +11,7 @@
 #include <string>
 
 #include "app/shell/AppContext.h"
+#include "app/shell/AppResources.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/ScreenshotTour.h"
 #include "core/store/Store.h"
@@ -96,6 +97,7 @@ int runDesktopApp(int argc, char** argv) {
   // No application display name: the platform would append it to every
   // window title, and the main window's title already begins with "Orvane".
   QApplication::setDesktopFileName(QStringLiteral("orvane"));
+  loadAppResources();
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
 
   AppContext context(*store);

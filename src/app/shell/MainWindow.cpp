@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "app/shell/AppContext.h"
+#include "app/shell/AppResources.h"
 #include "app/board/BoardCardActions.h"
 #include "app/board/BoardView.h"
 #include "app/shell/EmptyStateView.h"
@@ -27,7 +28,9 @@
 #include "app/exchange/TicketExchangeCommands.h"
 #include "app/ticket/TicketOpener.h"
 #include "app/shell/UndoHistory.h"
-#include "app/forecast/ForecastView.h"
+#include "app/help/AboutDialog.h"
+#include "app/help/HelpWindow.h"
+#include "app/settings/SettingsDialog.h"
 
 namespace orvane::app {
 
@@ -39,6 +42,7 @@ const QString projectKey = QStringLiteral("window/project");
 MainWindow::MainWindow(AppContext& context, QWidget* parent) : QMainWindow(parent), context_(context) {
   setObjectName(QStringLiteral("mainWindow"));
   setWindowTitle(QStringLiteral("Orvane"));
+  loadAppResources();
   setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
   commands_ = new StoreCommands(context_, this);
   exchange_ = new TicketExchangeCommands(context_, this);
@@ -117,6 +121,12 @@ void MainWindow::buildMenus() {
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
   redo_ = edit->addAction(QStringLiteral("Redo"), this, [this] { context_.redo(this); });
   redo_->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+  edit->addSeparator();
+  // QKeySequence::Preferences is empty outside macOS; Ctrl+, is the key
+  // desktops agree on.
+  QAction* settings = edit->addAction(QStringLiteral("Settings…"), this, &MainWindow::openSettings);
+  settings->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+  settings->setMenuRole(QAction::PreferencesRole);
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
   viewGroup_ = new QActionGroup(this);
@@ -172,6 +182,12 @@ void MainWindow::buildMenus() {
   QMenu* people = menuBar()->addMenu(QStringLiteral("P&eople"));
   QAction* peopleAction = people->addAction(QStringLiteral("People…"), this, &MainWindow::showPeople);
   peopleAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+
+  QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+  QAction* helpAction = help->addAction(QStringLiteral("Orvane Help"), this, &MainWindow::showHelp);
+  helpAction->setShortcut(QKeySequence(Qt::Key_F1));
+  QAction* about = help->addAction(QStringLiteral("About Orvane"), this, &MainWindow::showAbout);
+  about->setMenuRole(QAction::AboutRole);
 
   QToolBar* toolbar = addToolBar(QStringLiteral("Main"));
   toolbar->setObjectName(QStringLiteral("mainToolbar"));
@@ -251,6 +267,31 @@ void MainWindow::updateUndoActions() {
 void MainWindow::openTicket(const Uuid& ticket) { openTicketWindow(context_, ticket, this); }
 
 void MainWindow::showPeople() { openPeopleWindow(context_, this); }
+
+SettingsDialog* MainWindow::openSettings() {
+  auto* dialog = new SettingsDialog(this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+  return dialog;
+}
+
+HelpWindow* MainWindow::showHelp() {
+  if (help_ == nullptr) {
+    help_ = new HelpWindow(this);
+    help_->setAttribute(Qt::WA_DeleteOnClose);
+  }
+  help_->show();
+  help_->raise();
+  help_->activateWindow();
+  return help_;
+}
+
+AboutDialog* MainWindow::showAbout() {
+  auto* dialog = new AboutDialog(this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->open();
+  return dialog;
+}
 
 void MainWindow::editReportRecipients() {
   const std::optional<Uuid> project = selectedProject();

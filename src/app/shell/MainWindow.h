@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <array>
 #include <optional>
 
@@ -15,8 +16,11 @@ class QStackedWidget;
 
 namespace orvane::app {
 
+class AboutDialog;
 class AppContext;
 class EmptyStateView;
+class HelpWindow;
+class SettingsDialog;
 class ExternalChangeWatcher;
 class ProjectPane;
 class ProjectSidebar;
@@ -55,6 +59,12 @@ class MainWindow : public QMainWindow {
   // Opens the rename sheet for `project`; returns it (tests and the tour
   // fill it in).
   QDialog* renameProject(const Uuid& project);
+  // Edit > Settings…, Help > Orvane Help and Help > About Orvane; each
+  // returns the window it opened (tests and the tour fill them in). Help is
+  // one window, raised when asked for again.
+  SettingsDialog* openSettings();
+  HelpWindow* showHelp();
+  AboutDialog* showAbout();
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -84,6 +94,7 @@ class MainWindow : public QMainWindow {
   QAction* renameProject_ = nullptr;
   QAction* importTickets_ = nullptr;
   QAction* exportTickets_ = nullptr;
+  QPointer<HelpWindow> help_;
   bool filledScreen_ = false;
 };
 

@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -11,6 +12,7 @@
 #include "app/shell/AppContext.h"
 #include "app/widgets/FieldProblem.h"
 #include "app/shell/UndoHistory.h"
+#include "app/settings/SettingsDialog.h"
 #include "core/board/ClientEmail.h"
 #include "core/board/PMError.h"
 
@@ -48,6 +50,16 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
           "Who this project's reports are for. Who prepared them is set once for all projects, in Settings."),
       this);
   intro->setWordWrap(true);
+  auto* openSettings = new QPushButton(QStringLiteral("Open Settings…"), this);
+  openSettings->setObjectName(QStringLiteral("openSettings"));
+  connect(openSettings, &QPushButton::clicked, this, [this] {
+    auto* settings = new SettingsDialog(this);
+    settings->setAttribute(Qt::WA_DeleteOnClose);
+    settings->open();
+  });
+  auto* introRow = new QHBoxLayout;
+  introRow->addWidget(intro, 1);
+  introRow->addWidget(openSettings, 0, Qt::AlignTop);
 
   auto* client = new QGroupBox(QStringLiteral("Client"), this);
   clientName_ = makeField(client, "clientName", current.clientName);
@@ -91,7 +103,7 @@ ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project,
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(intro);
+  layout->addLayout(introRow);
   layout->addWidget(client);
   layout->addWidget(internal);
   layout->addWidget(error_);

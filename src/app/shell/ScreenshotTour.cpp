@@ -6,11 +6,13 @@
 #include <QDateEdit>
 #include <QDoubleSpinBox>
 #include <QEventLoop>
+#include <QImage>
 #include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -47,7 +49,10 @@
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ForecastView.h"
 #include "app/forecast/LogForecastDialog.h"
+#include "app/help/AboutDialog.h"
+#include "app/help/HelpWindow.h"
 #include "app/roadmap/RoadmapView.h"
+#include "app/settings/SettingsDialog.h"
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 
@@ -433,8 +438,58 @@ int ScreenshotTour::run() {
       rename->reject();
     }
   }
+  tourSettingsAndHelp();
   tourRoadmap(project);
   return failures_ == 0 ? 0 : 1;
+}
+
+void ScreenshotTour::tourSettingsAndHelp() {
+  // A logo drawn for the occasion: a wide mark with initials, as a studio
+  // would have.
+  std::error_code ignored;
+  const std::filesystem::path logo = folder_ / "logo.png";
+  const std::filesystem::path notPng = folder_ / "notes.png";
+  {
+    QImage mark(240, 96, QImage::Format_ARGB32);
+    mark.fill(Qt::transparent);
+    QPainter painter(&mark);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor(0x1f, 0x6f, 0xb2));
+    painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(QRectF(4, 4, 232, 88), 18, 18);
+    painter.setPen(Qt::white);
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(52);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.drawText(mark.rect(), Qt::AlignCenter, QStringLiteral("LSS"));
+    painter.end();
+    mark.save(QString::fromStdString(logo.string()), "PNG");
+  }
+  std::ofstream(notPng) << "Meeting notes, not a picture.\n";
+  if (SettingsDialog* settings = window_.openSettings()) {
+    settings->field("preparedBy")->setText(QStringLiteral("Mara Lind"));
+    settings->field("organisation")->setText(QStringLiteral("Lind Software Studio"));
+    settings->field("contact")->setText(QStringLiteral("mara@lind-studio.example · +44 20 7946 0000"));
+    settings->chooseLogo(QString::fromStdString(logo.string()));
+    save(settings, QStringLiteral("23-settings"));
+    settings->chooseLogo(QString::fromStdString(notPng.string()));
+    save(settings, QStringLiteral("23b-settings-logo-refused"));
+    settings->reject();
+  }
+  std::filesystem::remove(logo, ignored);
+  std::filesystem::remove(notPng, ignored);
+
+  if (HelpWindow* help = window_.showHelp()) {
+    save(help, QStringLiteral("24-help"));
+    help->showSection(QStringLiteral("shortcuts"));
+    save(help, QStringLiteral("24b-help-shortcuts"));
+    help->close();
+  }
+  if (AboutDialog* about = window_.showAbout()) {
+    save(about, QStringLiteral("25-about"));
+    about->reject();
+  }
 }
 
 void ScreenshotTour::tourRoadmap(const std::optional<Uuid>& demo) {

@@ -18,7 +18,7 @@ class MainWindow;
 // folder, so all of them can be looked at in one go: the empty state, the
 // nine views of the first project, the forecast log and its accuracy, the
 // filtered board, a selection of cards
-// with the card menu over it, and the sheets.
+// with the card menu over it, the sheets, the settings, help and About.
 class ScreenshotTour : public QObject {
   Q_OBJECT
 
@@ -35,6 +35,9 @@ class ScreenshotTour : public QObject {
   // sheet) and saves the log and accuracy page.
   void logForecasts(ForecastView& forecast, const Uuid& project);
   void tourRoadmap(const std::optional<Uuid>& demo);
+  // The settings filled in, with a logo and with a refused file; the help
+  // at its start and at the shortcuts; the About box.
+  void tourSettingsAndHelp();
 
   AppContext& context_;
   MainWindow& window_;
