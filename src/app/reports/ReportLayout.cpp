@@ -23,6 +23,9 @@ QFont ReportLayout::font(qreal pt, bool bold) const {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPointSizeF(pt);
   font.setBold(bold);
+  // No ligatures: "fi" and "fl" stay two letters for anyone who copies or
+  // searches the report's text.
+  font.setStyleStrategy(QFont::PreferNoShaping);
   return QFont(font, &device_);
 }
 
@@ -67,6 +70,19 @@ void ReportLayout::heading(const QString& text) {
         painter.setPen(QPen(rule, points(0.6)));
         painter.drawLine(QPointF(area.left(), area.bottom() - points(2)),
                          QPointF(area.right(), area.bottom() - points(2)));
+      },
+      true);
+}
+
+void ReportLayout::subheading(const QString& text) {
+  const QFont f = font(10, true);
+  const qreal above = points(6);
+  block(
+      above + textHeight(text, f, width_) + points(3),
+      [f, text, above](QPainter& painter, const QRectF& area) {
+        painter.setFont(f);
+        painter.setPen(ink);
+        painter.drawText(area.adjusted(0, above, 0, 0), Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop, text);
       },
       true);
 }

@@ -40,6 +40,8 @@ class ReportLayout {
   void space(qreal pt);
   void title(const QString& text);
   void heading(const QString& text);
+  // A smaller heading over a table or a chart, kept with it.
+  void subheading(const QString& text);
   void paragraph(const QString& text, qreal pt = 9.5, QColor colour = QColor(0x22, 0x27, 0x2e), bool bold = false);
 
   // A table with `fractions` of the width per column (summing to 1 or

@@ -177,7 +177,7 @@ void completedSection(ReportLayout& layout, const ReportContent& c) {
     return;
   }
   for (const CompletedGroup& group : c.completedGroups) {
-    layout.paragraph(QStringLiteral("%1 (%2)").arg(q(group.epicName)).arg(group.items.size()), 10, ink, true);
+    layout.subheading(QStringLiteral("%1 (%2)").arg(q(group.epicName)).arg(group.items.size()));
     std::vector<QStringList> rows;
     for (const CompletedItem& item : group.items)
       rows.push_back({q(item.reference), q(item.title), item.assignee ? q(*item.assignee) : QStringLiteral("–"),
@@ -190,7 +190,7 @@ void completedSection(ReportLayout& layout, const ReportContent& c) {
 
 void riskTickets(ReportLayout& layout, const QString& heading, const std::vector<RiskTicket>& tickets) {
   if (tickets.empty()) return;
-  layout.paragraph(QStringLiteral("%1 (%2)").arg(heading).arg(tickets.size()), 10, ink, true);
+  layout.subheading(QStringLiteral("%1 (%2)").arg(heading).arg(tickets.size()));
   std::vector<QStringList> rows;
   for (const RiskTicket& t : tickets)
     rows.push_back({q(t.reference), q(t.title), t.assignee ? q(*t.assignee) : QStringLiteral("–"), q(t.detail)});
@@ -201,7 +201,7 @@ void riskTickets(ReportLayout& layout, const QString& heading, const std::vector
 
 void riskEpics(ReportLayout& layout, const QString& heading, const std::vector<EpicStatusRow>& epics) {
   if (epics.empty()) return;
-  layout.paragraph(QStringLiteral("%1 (%2)").arg(heading).arg(epics.size()), 10, ink, true);
+  layout.subheading(QStringLiteral("%1 (%2)").arg(heading).arg(epics.size()));
   std::vector<QStringList> rows;
   for (const EpicStatusRow& e : epics)
     rows.push_back({q(e.name), QStringLiteral("%1 of %2").arg(e.done).arg(e.total), count(e.blocked), dayOrDash(e.due),
@@ -222,7 +222,7 @@ void riskSection(ReportLayout& layout, const ReportContent& c) {
   riskTickets(layout, QStringLiteral("Overdue"), r.overdue);
   riskTickets(layout, QStringLiteral("Ageing"), r.ageing);
   if (!r.wipBreaches.empty()) {
-    layout.paragraph(QStringLiteral("Over the WIP limit (%1)").arg(r.wipBreaches.size()), 10, ink, true);
+    layout.subheading(QStringLiteral("Over the WIP limit (%1)").arg(r.wipBreaches.size()));
     std::vector<QStringList> rows;
     for (const WIPBreach& b : r.wipBreaches) rows.push_back({q(b.columnName), count(b.count), count(b.limit)});
     layout.table({QStringLiteral("Column"), QStringLiteral("Tickets"), QStringLiteral("Limit")}, rows,
@@ -265,8 +265,7 @@ void flowSection(ReportLayout& layout, const ReportContent& c) {
       {FlowChartKind::age, QStringLiteral("Age of the work in progress")},
       {FlowChartKind::cumulative, QStringLiteral("Cumulative flow")}};
   for (const auto& [kind, caption] : charts) {
-    layout.space(6);
-    layout.paragraph(caption, 10, ink, true);
+    layout.subheading(caption);
     layout.block(layout.width() * 0.4, [kind, figures](QPainter& painter, const QRectF& area) {
       paintFlowChart(painter, area, kind, figures);
     });
