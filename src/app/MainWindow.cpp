@@ -21,6 +21,7 @@
 #include "app/ProjectPane.h"
 #include "app/forecast/ForecastView.h"
 #include "app/ProjectSetupDialog.h"
+#include "app/reports/ReportsWindow.h"
 #include "app/ProjectSidebar.h"
 #include "app/RenameProjectDialog.h"
 #include "app/StoreCommands.h"
@@ -135,6 +136,9 @@ void MainWindow::buildMenus() {
   renameProject_ = project->addAction(QStringLiteral("Rename project…"), this, [this] {
     if (const std::optional<Uuid> selected = selectedProject()) renameProject(*selected);
   });
+  reports_ = project->addAction(QStringLiteral("Reports…"), this, &MainWindow::showReports);
+  reports_->setObjectName(QStringLiteral("reportsAction"));
+  reports_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
   recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
   project->addSeparator();
   deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
@@ -181,6 +185,7 @@ void MainWindow::buildMenus() {
   for (QAction* action : viewActions_) toolbar->addAction(action);
   toolbar->addSeparator();
   toolbar->addAction(peopleAction);
+  toolbar->addAction(reports_);
   updateUndoActions();
 }
 
@@ -230,6 +235,7 @@ void MainWindow::refresh() {
   deleteProject_->setEnabled(project.has_value());
   renameProject_->setEnabled(project.has_value());
   recipients_->setEnabled(project.has_value());
+  reports_->setEnabled(project.has_value());
   importTickets_->setEnabled(project.has_value());
   importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
                                      : QStringLiteral("Select a project to import tickets into."));
@@ -250,6 +256,10 @@ void MainWindow::updateUndoActions() {
 void MainWindow::openTicket(const Uuid& ticket) { openTicketWindow(context_, ticket, this); }
 
 void MainWindow::showPeople() { openPeopleWindow(context_, this); }
+
+void MainWindow::showReports() {
+  if (const std::optional<Uuid> project = selectedProject()) openReportsWindow(context_, *project, this);
+}
 
 void MainWindow::editReportRecipients() {
   const std::optional<Uuid> project = selectedProject();

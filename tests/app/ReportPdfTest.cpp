@@ -1,6 +1,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPdfDocument>
+#include <QPdfView>
+#include <QSignalSpy>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
@@ -9,7 +12,9 @@
 
 #include "app/AppFixture.h"
 #include "app/reports/ReportContent.h"
+#include "app/ProjectSetupDialog.h"
 #include "app/reports/ReportDocument.h"
+#include "app/reports/ReportsWindow.h"
 #include "app/settings/BrandingSettings.h"
 #include "core/accuracy/FlowHealth.h"
 #include "core/accuracy/ForecastNarrative.h"
@@ -150,6 +155,20 @@ std::pair<int, QString> runCli(AppFixture& f, const QStringList& arguments, cons
   return {process.exitCode(), QString::fromUtf8(process.readAllStandardError()).trimmed()};
 }
 
+// Waits until the window shows its newest preview (drawn in the pool).
+void settle(ReportsWindow& window) {
+  QSignalSpy shown(&window, &ReportsWindow::previewShown);
+  while (window.isDrawing()) QVERIFY(shown.wait(30000));
+}
+
+QString previewText(const ReportsWindow& window, const QTemporaryDir& dir) {
+  const QString path = dir.filePath(QStringLiteral("preview.pdf"));
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(window.pdf()) != window.pdf().size()) qFatal("cannot write");
+  file.close();
+  return textOf(path);
+}
+
 }  // namespace
 
 class ReportPdfTest : public QObject {
@@ -253,6 +272,45 @@ class ReportPdfTest : public QObject {
     const QStringList pages = QDir(home.path()).entryList({"page*.png"});
     QCOMPARE(pages.size(), 1);
     QVERIFY(QFileInfo(home.filePath(pages.front())).size() > 1000);
+  }
+
+  void windowPreviewsTheChosenReport() {
+    AppFixture f;
+    storeBranding(branding);
+    const Uuid project = f.board().loadDemoProject(f.clock).id;
+    const ProjectSnapshot snapshot = f.snapshot(project);
+    QTemporaryDir dir;
+    ReportsWindow window(*f.context, project, nullptr);
+    settle(window);
+    QCOMPARE(window.audience(), ReportAudience::client);
+    QVERIFY(window.findChild<QPdfView*>()->document()->pageCount() >= 1);
+    const QString client = previewText(window, dir);
+    expectContains(client, commonTexts(f, project) + QStringList{"Period: 26 Feb 2026 to 4 Mar 2026."}, "client");
+    expectLacks(client, internalOnly(snapshot), "client");
+
+    window.setAudience(ReportAudience::internal);
+    window.setPeriod({CivilDate(2026, 2, 1), CivilDate(2026, 2, 28)});
+    settle(window);
+    const QString internal = previewText(window, dir);
+    expectContains(internal, {QStringLiteral("flagged as blocked"), QStringLiteral("Period: 1 Feb 2026 to 28 Feb 2026.")},
+                   "internal");
+
+    // What is saved is what is shown.
+    const QString saved = dir.filePath(QStringLiteral("saved.pdf"));
+    QVERIFY(window.saveTo(saved));
+    QCOMPARE(textOf(saved), internal);
+  }
+
+  void emailWithoutTheAudiencesAddressAsksForItFirst() {
+    AppFixture f;
+    const Project bare = f.board().createProject("Bare", std::nullopt, at(2026, 2, 1));
+    ReportsWindow window(*f.context, bare.id, nullptr);
+    settle(window);
+    QVERIFY(window.recipientAddress().isEmpty());
+    window.email();
+    auto* sheet = window.findChild<ProjectSetupDialog*>();
+    QVERIFY(sheet != nullptr);
+    QVERIFY(sheet->isVisible());
   }
 
   void commandLineRefusesBadRequestsAndWritesNothing_data() {
