@@ -48,6 +48,7 @@
 #include "app/forecast/ForecastView.h"
 #include "app/forecast/LogForecastDialog.h"
 #include "app/roadmap/RoadmapView.h"
+#include "app/reports/ReportsWindow.h"
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 
@@ -434,7 +435,28 @@ int ScreenshotTour::run() {
     }
   }
   tourRoadmap(project);
+  tourReports(project);
   return failures_ == 0 ? 0 : 1;
+}
+
+void ScreenshotTour::tourReports(const std::optional<Uuid>& demo) {
+  if (!demo) return;
+  ReportsWindow* reports = openReportsWindow(context_, *demo, &window_);
+  const auto awaitPreview = [reports] {
+    while (reports->isDrawing()) {
+      QEventLoop loop;
+      QObject::connect(reports, &ReportsWindow::previewShown, &loop, &QEventLoop::quit);
+      QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+      loop.exec();
+    }
+    settle();
+  };
+  awaitPreview();
+  save(reports, QStringLiteral("40-reports-client"));
+  reports->setAudience(ReportAudience::internal);
+  awaitPreview();
+  save(reports, QStringLiteral("41-reports-internal"));
+  reports->close();
 }
 
 void ScreenshotTour::tourRoadmap(const std::optional<Uuid>& demo) {

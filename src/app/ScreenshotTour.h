@@ -35,6 +35,8 @@ class ScreenshotTour : public QObject {
   // sheet) and saves the log and accuracy page.
   void logForecasts(ForecastView& forecast, const Uuid& project);
   void tourRoadmap(const std::optional<Uuid>& demo);
+  // The Reports window with the client and then the internal preview.
+  void tourReports(const std::optional<Uuid>& demo);
 
   AppContext& context_;
   MainWindow& window_;

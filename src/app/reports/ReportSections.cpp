@@ -69,7 +69,7 @@ void epicSection(ReportLayout& layout, const ReportContent& c) {
   }
   const bool internal = c.audience == ReportAudience::internal;
   const std::vector<qreal> columns =
-      internal ? std::vector<qreal>{0.3, 0.3, 0.1, 0.15, 0.15} : std::vector<qreal>{0.34, 0.34, 0.16, 0.16};
+      internal ? std::vector<qreal>{0.27, 0.35, 0.1, 0.14, 0.14} : std::vector<qreal>{0.34, 0.34, 0.16, 0.16};
   QStringList header{QStringLiteral("Epic"), QStringLiteral("Progress")};
   if (internal) header << QStringLiteral("Blocked");
   header << QStringLiteral("Due") << QStringLiteral("Status");
@@ -92,14 +92,14 @@ void epicSection(ReportLayout& layout, const ReportContent& c) {
       p.setPen(ink);
       p.drawText(cell(0), Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop, name);
       const QRectF progress = cell(1);
-      const qreal barWidth = progress.width() * 0.45;
+      const qreal barWidth = progress.width() * 0.38;
       const QRectF bar(progress.left(), progress.top() + pad * 0.3, barWidth, layout.points(7));
       p.fillRect(bar, QColor(0xe3, 0xe7, 0xec));
       const QColor fill = row.colorHex ? QColor(q(*row.colorHex)) : QColor(0x1f, 0x5f, 0xa8);
       p.fillRect(QRectF(bar.topLeft(), QSizeF(bar.width() * row.fraction(), bar.height())),
                  fill.isValid() ? fill : QColor(0x1f, 0x5f, 0xa8));
       p.drawText(progress.adjusted(barWidth + pad * 2, 0, 0, 0), Qt::AlignLeft | Qt::AlignTop,
-                 QStringLiteral("%1 of %2 done (%3%)")
+                 QStringLiteral("%1 of %2 (%3%)")
                      .arg(row.done)
                      .arg(row.total)
                      .arg(static_cast<int>(row.fraction() * 100 + 0.5)));

@@ -5,11 +5,13 @@
 #include <QDateEdit>
 #include <QDir>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPdfDocument>
 #include <QPdfView>
 #include <QPushButton>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
@@ -48,7 +50,10 @@ ReportsWindow::ReportsWindow(AppContext& context, const Uuid& project, QWidget* 
     : QWidget(parent, Qt::Window), context_(context), project_(project) {
   setObjectName(QStringLiteral("reportsWindow"));
   setAttribute(Qt::WA_DeleteOnClose);
-  resize(900, 1000);
+  // A page's width and most of the screen's height.
+  const QScreen* screen = parent != nullptr ? parent->screen() : QGuiApplication::primaryScreen();
+  const QSize room = screen != nullptr ? screen->availableGeometry().size() : QSize(900, 1000);
+  resize(std::min(900, room.width() - 40), std::min(1000, room.height() - 80));
 
   audience_ = new QComboBox(this);
   audience_->setObjectName(QStringLiteral("reportAudience"));
