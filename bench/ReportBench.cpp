@@ -8,6 +8,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QByteArray>
+#include <QFile>
 #include <memory>
 #include <optional>
 #include <random>
@@ -111,17 +112,24 @@ void BM_ReportPdf(benchmark::State& state) {
   Bench& b = shared();
   const auto audience = static_cast<app::ReportAudience>(state.range(0));
   std::int64_t bytes = 0;
+  QByteArray last;
   for (auto _ : state) {
     ForecastService forecasts(*b.store);
     auto snapshot = std::make_shared<const ProjectSnapshot>(*b.board->snapshot(b.project));
     const app::ReportReading reading =
-        app::readReport(forecasts, std::move(snapshot), audience,
-                        app::periodEndingOn(CivilDate(2026, 3, 4), 7), Timestamp{now}, *b.calendar);
+        app::readReport(forecasts, std::move(snapshot), audience, app::periodEndingOn(CivilDate(2026, 3, 4), 7),
+                        Timestamp{now}, *b.calendar);
     const QByteArray pdf = app::reportPdf(app::computeReport(reading), ReportBranding{});
     bytes = pdf.size();
+    last = pdf;
     benchmark::DoNotOptimize(pdf.data());
   }
   state.SetLabel(std::string(app::rawValue(audience)) + " report, " + std::to_string(bytes / 1024) + " KB");
+  // ORVANE_REPORT_BENCH_DIR keeps the last PDF of each report, to look at.
+  if (const QByteArray folder = qgetenv("ORVANE_REPORT_BENCH_DIR"); !folder.isEmpty()) {
+    QFile file(QString::fromLocal8Bit(folder) + "/" + QString::fromUtf8(app::rawValue(audience).data()) + ".pdf");
+    if (file.open(QIODevice::WriteOnly)) file.write(last);
+  }
 }
 BENCHMARK(BM_ReportPdf)
     ->Arg(static_cast<int>(app::ReportAudience::client))

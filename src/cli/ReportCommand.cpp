@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/CliError.h"
+#include "cli/FileAccess.h"
 #include "cli/GlobalOptions.h"
 #include "cli/OptionParser.h"
-#include "cli/FileAccess.h"
 #include "cli/ProjectLookup.h"
 #include "cli/ReportPdf.h"
 #include "cli/StoreAccess.h"
@@ -322,16 +322,15 @@ int pdfReportCommand(const ParsedOptions& parsed, const CommandContext& context)
   const CivilDate to = parsed.has("--to") ? dayOption(parsed, "--to") : today;
   const CivilDate from = parsed.has("--from") ? dayOption(parsed, "--from") : to.addingDays(-(pdfReportDays - 1));
   if (from.daysSince(to) > 0) {
-    throw CliError("The period starts after it ends: " + from.description() + " is after " + to.description() +
-                   ".");
+    throw CliError("The period starts after it ends: " + from.description() + " is after " + to.description() + ".");
   }
   const ReportPdfRenderer renderer = reportPdfRenderer();
   if (renderer == nullptr) {
     throw CliError("This orvane-cli was built without Qt, so it cannot draw PDF reports.", exitFailure);
   }
   const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
-  const std::string pdf = renderer(
-      ReportPdfJob{context.store.forecasts(), project, audience, from, to, context.now, context.calendar});
+  const std::string pdf =
+      renderer(ReportPdfJob{context.store.forecasts(), project, audience, from, to, context.now, context.calendar});
   writeAtomically(path, pdf, FileContent::tickets);
   return exitOk;
 }
@@ -352,8 +351,8 @@ int runReport(std::span<const std::string> args, const CommandContext& context) 
   }
   const std::string command = "report " + kind;
   const ParsedOptions parsed = completed ? parseArguments(args.subspan(1), completedSpecs, command)
-                                : pdf     ? parseArguments(args.subspan(1), pdfSpecs, command)
-                                          : parseArguments(args.subspan(1), plainSpecs, command);
+                               : pdf     ? parseArguments(args.subspan(1), pdfSpecs, command)
+                                         : parseArguments(args.subspan(1), plainSpecs, command);
   if (parsed.has("--help")) {
     context.out << reportUsage;
     return exitOk;

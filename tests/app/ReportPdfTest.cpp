@@ -3,16 +3,16 @@
 #include <QFileInfo>
 #include <QPdfDocument>
 #include <QPdfView>
-#include <QSignalSpy>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/reports/ReportContent.h"
 #include "app/ProjectSetupDialog.h"
+#include "app/reports/ReportContent.h"
 #include "app/reports/ReportDocument.h"
 #include "app/reports/ReportsWindow.h"
 #include "app/settings/BrandingSettings.h"
@@ -85,9 +85,8 @@ Uuid generatedProject(AppFixture& f) {
 QString drawnReport(AppFixture& f, const Uuid& project, ReportAudience audience, const QTemporaryDir& dir) {
   ForecastService forecasts(f.t.store);
   const CivilDate today = CivilDate::fromUtc(f.clock);
-  const ReportReading reading =
-      readReport(forecasts, std::make_shared<const ProjectSnapshot>(f.snapshot(project)), audience,
-                 periodEndingOn(today, 7), f.clock, f.context->calendar());
+  const ReportReading reading = readReport(forecasts, std::make_shared<const ProjectSnapshot>(f.snapshot(project)),
+                                           audience, periodEndingOn(today, 7), f.clock, f.context->calendar());
   const QString path = dir.filePath(QString::fromUtf8(rawValue(audience).data()) + ".pdf");
   if (const auto problem = writeReportFile(reportPdf(computeReport(reading), storedBranding()), path))
     qFatal("%s", qPrintable(*problem));
@@ -209,8 +208,7 @@ class ReportPdfTest : public QObject {
     const QString internal = textOf(drawnReport(f, project, ReportAudience::internal, dir));
     expectContains(client, commonTexts(f, project) + QStringList{"For Ivo Client, Quay Holdings"}, "client");
     expectLacks(client, internalOnly(snapshot), "client");
-    expectLacks(client, {QStringLiteral("Workload"), QStringLiteral("Risks"), QStringLiteral("Flow health")},
-                "client");
+    expectLacks(client, {QStringLiteral("Workload"), QStringLiteral("Risks"), QStringLiteral("Flow health")}, "client");
 
     // The period is the 7 days through today, both included: the work
     // finished in it, and nothing finished before.
@@ -233,8 +231,9 @@ class ReportPdfTest : public QObject {
     for (const CalibrationRow& row : accuracy.whenCalibration)
       QVERIFY(internal.contains(QStringLiteral("%1% %2").arg(row.level).arg(
           row.total == 0 ? QStringLiteral("–") : QStringLiteral("%1 of %2").arg(row.hits).arg(row.total))));
-    expectContains(internal, {QStringLiteral("Quentin Ashdown"), QStringLiteral("Yolanda Brightwater"),
-                              QStringLiteral("flagged as blocked")},
+    expectContains(internal,
+                   {QStringLiteral("Quentin Ashdown"), QStringLiteral("Yolanda Brightwater"),
+                    QStringLiteral("flagged as blocked")},
                    "internal");
   }
 
@@ -250,8 +249,9 @@ class ReportPdfTest : public QObject {
     const QString client = home.filePath("client.pdf");
     const QString internal = home.filePath("internal.pdf");
     QCOMPARE(runCli(f, {"report", "pdf", "SHOP", "--audience", "client", "--out", client}, home).first, 0);
-    QCOMPARE(runCli(f, {"report", "pdf", "SHOP", "--audience", "internal", "--from", "2026-02-01", "--to",
-                        "2026-03-04", "--out", internal},
+    QCOMPARE(runCli(f,
+                    {"report", "pdf", "SHOP", "--audience", "internal", "--from", "2026-02-01", "--to", "2026-03-04",
+                     "--out", internal},
                     home)
                  .first,
              0);
@@ -265,8 +265,7 @@ class ReportPdfTest : public QObject {
 
     // A page rasterises.
     QProcess raster;
-    raster.start(QStringLiteral("pdftoppm"),
-                 {"-r", "40", "-f", "1", "-l", "1", "-png", client, home.filePath("page")});
+    raster.start(QStringLiteral("pdftoppm"), {"-r", "40", "-f", "1", "-l", "1", "-png", client, home.filePath("page")});
     QVERIFY(raster.waitForFinished(30000));
     QCOMPARE(raster.exitCode(), 0);
     const QStringList pages = QDir(home.path()).entryList({"page*.png"});
@@ -292,7 +291,8 @@ class ReportPdfTest : public QObject {
     window.setPeriod({CivilDate(2026, 2, 1), CivilDate(2026, 2, 28)});
     settle(window);
     const QString internal = previewText(window, dir);
-    expectContains(internal, {QStringLiteral("flagged as blocked"), QStringLiteral("Period: 1 Feb 2026 to 28 Feb 2026.")},
+    expectContains(internal,
+                   {QStringLiteral("flagged as blocked"), QStringLiteral("Period: 1 Feb 2026 to 28 Feb 2026.")},
                    "internal");
 
     // What is saved is what is shown.
@@ -318,12 +318,11 @@ class ReportPdfTest : public QObject {
     QTest::addColumn<QString>("sentence");
     QTest::newRow("audience") << QStringList{"--audience", "board"}
                               << "Unknown audience \"board\"; the audiences are client and internal.";
-    QTest::newRow("no audience") << QStringList{}
-                                 << "report pdf needs --audience client or --audience internal.";
+    QTest::newRow("no audience") << QStringList{} << "report pdf needs --audience client or --audience internal.";
     QTest::newRow("bad day") << QStringList{"--audience", "client", "--from", "2026-02-30"}
                              << "--from needs a day like 2026-04-30; \"2026-02-30\" is not one.";
-    QTest::newRow("from after to") << QStringList{"--audience", "internal", "--from", "2026-03-05", "--to",
-                                                  "2026-03-01"}
+    QTest::newRow("from after to") << QStringList{"--audience", "internal", "--from",
+                                                  "2026-03-05", "--to",     "2026-03-01"}
                                    << "The period starts after it ends: 2026-03-05 is after 2026-03-01.";
   }
 
@@ -334,8 +333,8 @@ class ReportPdfTest : public QObject {
     f.board().loadDemoProject(f.clock);
     QTemporaryDir home;
     const QString out = home.filePath("report.pdf");
-    const auto [code, error] = runCli(f, QStringList{"report", "pdf", "SHOP"} + options + QStringList{"--out", out},
-                                      home);
+    const auto [code, error] =
+        runCli(f, QStringList{"report", "pdf", "SHOP"} + options + QStringList{"--out", out}, home);
     QCOMPARE(code, 2);
     QCOMPARE(error, sentence);
     QVERIFY(!QFileInfo::exists(out));

@@ -23,7 +23,8 @@ namespace {
 constexpr int chartPixelWidth = 760;
 
 void render(QChartView& view, QPainter& painter, const QRectF& area) {
-  const QSize size(chartPixelWidth, static_cast<int>(chartPixelWidth * area.height() / std::max<qreal>(area.width(), 1)));
+  const QSize size(chartPixelWidth,
+                   static_cast<int>(chartPixelWidth * area.height() / std::max<qreal>(area.width(), 1)));
   view.setAttribute(Qt::WA_DontShowOnScreen);
   view.resize(size);
   view.show();

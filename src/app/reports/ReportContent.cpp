@@ -77,9 +77,9 @@ void computeForecasts(const ReportReading& reading, ReportContent& content) {
   if (reading.roadmap) {
     try {
       const RoadmapForecast forecast = reading.roadmap->run();
-      content.roadmap = roadmapPicture(RoadmapSources{*reading.roadmap, forecast, reading.statuses,
-                                                      reading.project->epics, reading.milestoneNames,
-                                                      reading.conflicts});
+      content.roadmap =
+          roadmapPicture(RoadmapSources{*reading.roadmap, forecast, reading.statuses, reading.project->epics,
+                                        reading.milestoneNames, reading.conflicts});
     } catch (const std::exception& error) {
       content.roadmapError = error.what();
     }

@@ -59,7 +59,7 @@ struct ReportReading {
   ProjectSummary summary;
   std::vector<EpicStatusRow> statuses;
   CompletedReport completed;
-  RiskReport risk;                   // internal only
+  RiskReport risk;                    // internal only
   std::vector<WorkloadRow> workload;  // internal only
 };
 

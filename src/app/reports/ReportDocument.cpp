@@ -32,8 +32,8 @@ QByteArray reportPdf(const ReportContent& content, const ReportBranding& brandin
     writer.setResolution(300);
     writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(16, 16, 16, 12),
                                      QPageLayout::Millimeter));
-    writer.setTitle(QStringLiteral("%1: %2").arg(QString::fromStdString(content.projectName),
-                                                reportKindText(content.audience)));
+    writer.setTitle(
+        QStringLiteral("%1: %2").arg(QString::fromStdString(content.projectName), reportKindText(content.audience)));
     writer.setCreator(QString::fromStdString(ReportBranding::creditLine()));
     paintReport(content, branding, writer);
   }

@@ -38,9 +38,9 @@ void addressBlock(ReportLayout& layout, const ReportContent& c) {
   layout.title(QStringLiteral("Status report: %1").arg(q(c.projectName)));
   layout.paragraph(reportKindText(c.audience), 11, muted, true);
   if (!c.addressee.empty()) layout.paragraph(QStringLiteral("For %1").arg(q(c.addressee)), 10.5);
-  layout.paragraph(QStringLiteral("Period: %1 to %2. Prepared on %3.")
-                       .arg(day(c.period.from), day(c.period.to), day(c.today)),
-                   9.5, muted);
+  layout.paragraph(
+      QStringLiteral("Period: %1 to %2. Prepared on %3.").arg(day(c.period.from), day(c.period.to), day(c.today)), 9.5,
+      muted);
 }
 
 void summarySection(ReportLayout& layout, const ReportContent& c) {
@@ -119,7 +119,7 @@ void milestoneSection(ReportLayout& layout, const ReportContent& c) {
   layout.heading(QStringLiteral("Milestones"));
   std::vector<QStringList> rows;
   for (const RoadmapMarker& m : c.roadmap->milestones) {
-    const QString chance = m.done    ? QStringLiteral("Done")
+    const QString chance = m.done     ? QStringLiteral("Done")
                            : m.chance ? QStringLiteral("%1 chance").arg(chanceText(*m.chance))
                                       : QStringLiteral("–");
     rows.push_back({m.name, day(m.day), chance});
@@ -138,7 +138,8 @@ void whenSection(ReportLayout& layout, const ReportContent& c) {
   std::vector<QStringList> rows;
   for (const int level : {50, 85, 95}) {
     const auto found = when.dates.find(level);
-    rows.push_back({QStringLiteral("%1%").arg(level), found == when.dates.end() ? QStringLiteral("–") : day(found->second)});
+    rows.push_back(
+        {QStringLiteral("%1%").arg(level), found == when.dates.end() ? QStringLiteral("–") : day(found->second)});
   }
   layout.table({QStringLiteral("Confidence"), QStringLiteral("Finished by")}, rows, {0.2, 0.3});
   layout.space(4);
@@ -182,9 +183,9 @@ void completedSection(ReportLayout& layout, const ReportContent& c) {
     for (const CompletedItem& item : group.items)
       rows.push_back({q(item.reference), q(item.title), item.assignee ? q(*item.assignee) : QStringLiteral("–"),
                       day(item.completed)});
-    layout.table({QStringLiteral("Reference"), QStringLiteral("Title"), QStringLiteral("Assignee"),
-                  QStringLiteral("Completed")},
-                 rows, {0.13, 0.5, 0.2, 0.17});
+    layout.table(
+        {QStringLiteral("Reference"), QStringLiteral("Title"), QStringLiteral("Assignee"), QStringLiteral("Completed")},
+        rows, {0.13, 0.5, 0.2, 0.17});
   }
 }
 
@@ -194,9 +195,9 @@ void riskTickets(ReportLayout& layout, const QString& heading, const std::vector
   std::vector<QStringList> rows;
   for (const RiskTicket& t : tickets)
     rows.push_back({q(t.reference), q(t.title), t.assignee ? q(*t.assignee) : QStringLiteral("–"), q(t.detail)});
-  layout.table({QStringLiteral("Reference"), QStringLiteral("Title"), QStringLiteral("Assignee"),
-                QStringLiteral("Details")},
-               rows, {0.13, 0.4, 0.17, 0.3});
+  layout.table(
+      {QStringLiteral("Reference"), QStringLiteral("Title"), QStringLiteral("Assignee"), QStringLiteral("Details")},
+      rows, {0.13, 0.4, 0.17, 0.3});
 }
 
 void riskEpics(ReportLayout& layout, const QString& heading, const std::vector<EpicStatusRow>& epics) {
@@ -295,8 +296,9 @@ void accuracySection(ReportLayout& layout, const ReportContent& c) {
     const QString byDate = i < a.byDateCalibration.size() ? calibrationCell(a.byDateCalibration[i]) : QString();
     rows.push_back({QStringLiteral("%1%").arg(when.level), calibrationCell(when), byDate});
   }
-  layout.table({QStringLiteral("Level"), QStringLiteral("When will it be done?"), QStringLiteral("How many by a date?")},
-               rows, {0.16, 0.42, 0.42});
+  layout.table(
+      {QStringLiteral("Level"), QStringLiteral("When will it be done?"), QStringLiteral("How many by a date?")}, rows,
+      {0.16, 0.42, 0.42});
   if (a.whenOutcomes.empty()) return;
   layout.space(6);
   std::vector<QStringList> outcomes;

@@ -104,9 +104,7 @@ ReportsWindow::ReportsWindow(AppContext& context, const Uuid& project, QWidget* 
   redraw();
 }
 
-ReportAudience ReportsWindow::audience() const {
-  return static_cast<ReportAudience>(audience_->currentData().toInt());
-}
+ReportAudience ReportsWindow::audience() const { return static_cast<ReportAudience>(audience_->currentData().toInt()); }
 
 void ReportsWindow::setAudience(ReportAudience audience) {
   audience_->setCurrentIndex(audience_->findData(static_cast<int>(audience)));
@@ -144,8 +142,8 @@ void ReportsWindow::redraw() {
   ReportReading reading;
   try {
     ForecastService forecasts(context_.store());
-    reading = readReport(forecasts, std::make_shared<const ProjectSnapshot>(std::move(*snapshot)), audience(),
-                         chosen, context_.now(), context_.calendar());
+    reading = readReport(forecasts, std::make_shared<const ProjectSnapshot>(std::move(*snapshot)), audience(), chosen,
+                         context_.now(), context_.calendar());
   } catch (const std::exception& error) {
     status_->setText(QString::fromStdString(error.what()));
     return;
@@ -166,8 +164,7 @@ void ReportsWindow::show(const ReportContent& content) {
   buffer_->open(QIODevice::ReadOnly);
   document_->load(buffer_.get());
   status_->setText(QStringLiteral("%1 for %2 to %3.")
-                       .arg(reportKindText(content.audience),
-                            QString::fromStdString(content.period.from.displayText()),
+                       .arg(reportKindText(content.audience), QString::fromStdString(content.period.from.displayText()),
                             QString::fromStdString(content.period.to.displayText())));
   save_->setEnabled(true);
   email_->setEnabled(true);
@@ -194,10 +191,10 @@ void ReportsWindow::choosePath() {
   const std::optional<ProjectSnapshot> snapshot = context_.board().snapshot(project_);
   if (!snapshot) return;
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  const QString path = QFileDialog::getSaveFileName(
-      this, QStringLiteral("Save PDF"),
-      QDir(folder).filePath(reportFileName(*shown_, snapshot->project.safeFileName())),
-      QStringLiteral("PDF files (*.pdf)"));
+  const QString path =
+      QFileDialog::getSaveFileName(this, QStringLiteral("Save PDF"),
+                                   QDir(folder).filePath(reportFileName(*shown_, snapshot->project.safeFileName())),
+                                   QStringLiteral("PDF files (*.pdf)"));
   if (!path.isEmpty()) saveTo(path);
 }
 
