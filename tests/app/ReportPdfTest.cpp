@@ -1,9 +1,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
+#include <QPainter>
 #include <QPdfDocument>
 #include <QPdfView>
+#include <QPdfWriter>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
@@ -14,6 +18,7 @@
 #include "app/ProjectSetupDialog.h"
 #include "app/reports/ReportContent.h"
 #include "app/reports/ReportDocument.h"
+#include "app/reports/ReportLayout.h"
 #include "app/reports/ReportsWindow.h"
 #include "app/settings/BrandingSettings.h"
 #include "core/accuracy/FlowHealth.h"
@@ -311,6 +316,62 @@ class ReportPdfTest : public QObject {
     auto* sheet = window.findChild<ProjectSetupDialog*>();
     QVERIFY(sheet != nullptr);
     QVERIFY(sheet->isVisible());
+  }
+
+  void longTablesRunOverPagesWithTheirHeaderAndWholeRows() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("layout.pdf"));
+    int pages = 0;
+    {
+      QPdfWriter writer(path);
+      writer.setResolution(300);
+      writer.setPageSize(QPageSize(QPageSize::A4));
+      ReportLayout layout(writer);
+      layout.title(QStringLiteral("Layout"));
+      std::vector<QStringList> rows;
+      for (int n = 1; n <= 150; ++n)
+        rows.push_back({QStringLiteral("Row %1.").arg(n), QStringLiteral("A cell long enough to wrap onto a second "
+                                                                         "line in its narrow column, row %1.")
+                                                              .arg(n)});
+      layout.heading(QStringLiteral("First table"));
+      layout.table({QStringLiteral("Name"), QStringLiteral("Description")}, rows, {0.2, 0.3});
+      layout.heading(QStringLiteral("Second table"));
+      layout.table({QStringLiteral("Other"), QStringLiteral("Column")}, {{QStringLiteral("Last row.")}}, {0.5, 0.5});
+      QPainter painter(&writer);
+      pages = layout.paint(painter, writer, branding);
+    }
+    QVERIFY(pages >= 4);
+    QString all;
+    for (int page = 1; page <= pages; ++page) {
+      QProcess process;
+      process.start(QStringLiteral("pdftotext"),
+                    {"-f", QString::number(page), "-l", QString::number(page), path, QStringLiteral("-")});
+      QVERIFY(process.waitForFinished(30000));
+      const QString text = QString::fromUtf8(process.readAllStandardOutput()).simplified();
+      QVERIFY2(text.contains(QStringLiteral("Page %1 of %2").arg(page).arg(pages)), qPrintable(text));
+      // Every page the first table runs onto starts with its header.
+      if (text.contains(QStringLiteral("Row ")))
+        QVERIFY2(text.contains(QStringLiteral("Name Description")), qPrintable(QString::number(page)));
+      all += text + QLatin1Char(' ');
+    }
+    // No row lost or cut in two, and the second heading stays with its table.
+    for (int n = 1; n <= 150; ++n) {
+      QCOMPARE(all.count(QStringLiteral("Row %1. ").arg(n)), 1);
+      QCOMPARE(all.count(QStringLiteral("column, row %1.").arg(n)), 1);
+    }
+    QVERIFY(all.contains(QStringLiteral("Second table Other Column Last row.")));
+  }
+
+  void windowRefusesAPeriodThatEndsBeforeItStarts() {
+    AppFixture f;
+    const Uuid project = f.board().loadDemoProject(f.clock).id;
+    ReportsWindow window(*f.context, project, nullptr);
+    settle(window);
+    window.setPeriod({CivilDate(2026, 3, 4), CivilDate(2026, 3, 1)});
+    QCOMPARE(window.findChild<QLabel*>(QStringLiteral("reportStatus"))->text(),
+             QStringLiteral("The period starts after it ends: choose a first day on or before the last."));
+    QVERIFY(!window.findChild<QPushButton*>(QStringLiteral("saveReport"))->isEnabled());
+    QVERIFY(!window.findChild<QPushButton*>(QStringLiteral("emailReport"))->isEnabled());
   }
 
   void commandLineRefusesBadRequestsAndWritesNothing_data() {
