@@ -11,10 +11,10 @@
 #include <memory>
 #include <string>
 
-#include "app/shell/AppContext.h"
 #include "app/board/BoardColumnModel.h"
 #include "app/board/BoardColumnWidget.h"
 #include "app/board/BoardView.h"
+#include "app/shell/AppContext.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/ProjectPane.h"
 #include "core/board/BoardService.h"

@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "app/shell/AppContext.h"
 #include "app/forecast/ForecastView.h"
+#include "app/shell/AppContext.h"
 #include "core/board/BoardService.h"
 #include "core/forecast/ForecastService.h"
 #include "core/store/Rows.h"

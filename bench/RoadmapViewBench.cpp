@@ -14,9 +14,9 @@
 #include <memory>
 #include <optional>
 
-#include "app/shell/AppContext.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapView.h"
+#include "app/shell/AppContext.h"
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 #include "core/store/Store.h"

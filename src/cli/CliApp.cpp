@@ -21,10 +21,10 @@
 #include "cli/ExchangeCommands.h"
 #include "cli/FlowCommand.h"
 #include "cli/ForecastCommand.h"
-#include "cli/ReportCommand.h"
 #include "cli/GlobalOptions.h"
 #include "cli/HealthCommand.h"
 #include "cli/ProjectCommands.h"
+#include "cli/ReportCommand.h"
 #include "cli/SimulateCommand.h"
 #include "cli/StoreAccess.h"
 #include "cli/TicketCommands.h"
@@ -49,7 +49,7 @@ constexpr std::array commands{
     Command{"calendar", "Show a month of a project's tickets by due date", &runCalendar},
     Command{"forecast", "Forecast a project, an epic, an iteration or the roadmap", &runForecast},
     Command{"flow", "A project's throughput, cycle time, work age and cumulative flow", &runFlow},
-    Command{"report", "Summary, epics, risks, workload or completed work of a project", &runReport},
+    Command{"report", "Summary, epics, risks, workload, completed work or a PDF report of a project", &runReport},
     Command{"calc", "Run a project, iteration or roadmap forecast on JSON numbers", &runCalc},
     Command{"health", "Sum up a project's recent flow in figures and sentences", &runHealth},
     Command{"accuracy", "Judge a project's logged forecasts against what happened", &runAccuracy},

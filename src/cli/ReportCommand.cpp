@@ -4,9 +4,11 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/CliError.h"
+#include "cli/FileAccess.h"
 #include "cli/GlobalOptions.h"
 #include "cli/OptionParser.h"
 #include "cli/ProjectLookup.h"
+#include "cli/ReportPdf.h"
 #include "cli/StoreAccess.h"
 #include "cli/TextLayout.h"
 #include "core/reports/ReportData.h"
@@ -24,6 +26,8 @@ constexpr std::string_view reportUsage =
     "       orvane-cli report workload PROJECT [--json]\n"
     "       orvane-cli report completed PROJECT [--from YYYY-MM-DD]\n"
     "                                  [--to YYYY-MM-DD] [--json]\n"
+    "       orvane-cli report pdf PROJECT --audience client|internal\n"
+    "                             [--from YYYY-MM-DD] [--to YYYY-MM-DD] --out FILE.pdf\n"
     "\n"
     "The tables behind the printable reports, as of today in this machine's time\n"
     "zone (or --now).\n"
@@ -37,15 +41,24 @@ constexpr std::string_view reportUsage =
     "  completed  tickets finished from --from to --to (both included), by epic;\n"
     "             without them the last 14 days through today. --from alone runs\n"
     "             to today, --to alone covers the 14 days ending on it\n"
+    "  pdf        the printable report as an A4 PDF file: for the client (summary,\n"
+    "             epics, milestones, the \"When\" forecast, roadmap, completed work\n"
+    "             counted by epic) or internal (adds risks, workload, the completed\n"
+    "             tickets, flow health and forecast accuracy). The period of the\n"
+    "             completed work is the last 7 days through today by default\n"
     "  --json     print the table as one JSON object\n"
     "  --help     print this text\n";
 
 constexpr OptionSpec plainSpecs[] = {{"--json", false}, {"--help", false}};
 constexpr OptionSpec completedSpecs[] = {{"--from", true}, {"--to", true}, {"--json", false}, {"--help", false}};
+constexpr OptionSpec pdfSpecs[] = {
+    {"--audience", true}, {"--from", true}, {"--to", true}, {"--out", true}, {"--help", false}};
 
 // The days a workload row counts as recent, and the default period of the
 // completed report: two weeks, today included.
 constexpr std::int64_t recentDays = 14;
+// The default period of a PDF report: the week through today.
+constexpr std::int64_t pdfReportDays = 7;
 
 json optionalText(const std::optional<std::string>& text) { return text ? json(*text) : json(nullptr); }
 json optionalDay(const std::optional<CivilDate>& day) { return day ? json(day->description()) : json(nullptr); }
@@ -297,6 +310,31 @@ int completedReportCommand(const ProjectSnapshot& p, const ParsedOptions& parsed
   return exitOk;
 }
 
+int pdfReportCommand(const ParsedOptions& parsed, const CommandContext& context) {
+  if (!parsed.has("--audience")) throw CliError("report pdf needs --audience client or --audience internal.");
+  const std::string audience(*parsed.value("--audience"));
+  if (audience != "client" && audience != "internal") {
+    throw CliError("Unknown audience " + inQuotes(audience) + "; the audiences are client and internal.");
+  }
+  if (!parsed.has("--out")) throw CliError("report pdf needs --out and the PDF file to write.");
+  const std::string path(*parsed.value("--out"));
+  const CivilDate today = civilDateFromLocal(context.now, context.calendar);
+  const CivilDate to = parsed.has("--to") ? dayOption(parsed, "--to") : today;
+  const CivilDate from = parsed.has("--from") ? dayOption(parsed, "--from") : to.addingDays(-(pdfReportDays - 1));
+  if (from.daysSince(to) > 0) {
+    throw CliError("The period starts after it ends: " + from.description() + " is after " + to.description() + ".");
+  }
+  const ReportPdfRenderer renderer = reportPdfRenderer();
+  if (renderer == nullptr) {
+    throw CliError("This orvane-cli was built without Qt, so it cannot draw PDF reports.", exitFailure);
+  }
+  const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
+  const std::string pdf =
+      renderer(ReportPdfJob{context.store.forecasts(), project, audience, from, to, context.now, context.calendar});
+  writeAtomically(path, pdf, FileContent::tickets);
+  return exitOk;
+}
+
 }  // namespace
 
 int runReport(std::span<const std::string> args, const CommandContext& context) {
@@ -306,18 +344,21 @@ int runReport(std::span<const std::string> args, const CommandContext& context) 
   }
   const std::string& kind = args.front();
   const bool completed = kind == "completed";
-  if (!completed && kind != "summary" && kind != "epics" && kind != "risk" && kind != "workload") {
+  const bool pdf = kind == "pdf";
+  if (!completed && !pdf && kind != "summary" && kind != "epics" && kind != "risk" && kind != "workload") {
     throw CliError("Unknown report " + inQuotes(kind) +
-                   "; the reports are summary, epics, risk, workload and completed.");
+                   "; the reports are summary, epics, risk, workload, completed and pdf.");
   }
   const std::string command = "report " + kind;
   const ParsedOptions parsed = completed ? parseArguments(args.subspan(1), completedSpecs, command)
+                               : pdf     ? parseArguments(args.subspan(1), pdfSpecs, command)
                                          : parseArguments(args.subspan(1), plainSpecs, command);
   if (parsed.has("--help")) {
     context.out << reportUsage;
     return exitOk;
   }
   expectPositionals(parsed, {"PROJECT"}, command);
+  if (pdf) return pdfReportCommand(parsed, context);
   const ProjectSnapshot project = loadProject(context.store.service(), parsed.positionals()[0]);
   const bool asJson = parsed.has("--json");
   if (kind == "summary") return summaryReport(project, context, asJson);

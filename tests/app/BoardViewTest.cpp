@@ -7,15 +7,15 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "app/board/AddColumnDialog.h"
 #include "app/AppFixture.h"
+#include "app/board/AddColumnDialog.h"
 #include "app/board/BoardCardActions.h"
 #include "app/board/BoardColumnModel.h"
 #include "app/board/BoardColumnWidget.h"
 #include "app/board/BoardView.h"
-#include "app/shell/UndoHistory.h"
 #include "app/board/WipLimitDialog.h"
 #include "app/board/WipLimitField.h"
+#include "app/shell/UndoHistory.h"
 
 using namespace orvane;
 using namespace orvane::app;

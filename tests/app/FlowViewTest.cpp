@@ -16,7 +16,6 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/shell/ExternalChangeWatcher.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowCumulativeChart.h"
@@ -26,6 +25,7 @@
 #include "app/charts/FlowXmRChart.h"
 #include "app/flow/ChartCard.h"
 #include "app/flow/FlowView.h"
+#include "app/shell/ExternalChangeWatcher.h"
 #include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowRange.h"
 #include "core/model/ProjectSnapshot.h"

@@ -9,9 +9,9 @@
 
 #include "app/AppFixture.h"
 #include "app/exchange/ImportDialog.h"
+#include "app/exchange/TicketExchangeCommands.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/StoreCommands.h"
-#include "app/exchange/TicketExchangeCommands.h"
 #include "app/shell/UndoHistory.h"
 #include "core/exchange/TicketXlsx.h"
 #include "core/support/StoreDump.h"

@@ -13,19 +13,22 @@
 #include <QTest>
 #include <fstream>
 
-#include "app/board/AddColumnDialog.h"
 #include "app/AppFixture.h"
-#include "app/board/BoardColumnWidget.h"
+#include "app/board/AddColumnDialog.h"
 #include "app/board/BoardCardActions.h"
+#include "app/board/BoardColumnWidget.h"
 #include "app/board/BoardView.h"
-#include "app/shell/EmptyStateView.h"
-#include "app/planning/EpicDialog.h"
-#include "app/shell/ExternalChangeWatcher.h"
 #include "app/exchange/ImportDialog.h"
+#include "app/exchange/TicketExchangeCommands.h"
+#include "app/forecast/ForecastView.h"
+#include "app/forecast/LogForecastDialog.h"
+#include "app/planning/EpicDialog.h"
 #include "app/planning/IterationCloseDialog.h"
 #include "app/planning/IterationDialog.h"
-#include "app/shell/MainWindow.h"
 #include "app/planning/MilestoneDialog.h"
+#include "app/shell/EmptyStateView.h"
+#include "app/shell/ExternalChangeWatcher.h"
+#include "app/shell/MainWindow.h"
 #include "app/shell/NewProjectDialog.h"
 #include "app/shell/ProjectPane.h"
 #include "app/shell/ProjectSetupDialog.h"
@@ -33,11 +36,8 @@
 #include "app/shell/ProjectViewBase.h"
 #include "app/shell/RenameProjectDialog.h"
 #include "app/shell/StoreCommands.h"
-#include "app/exchange/TicketExchangeCommands.h"
-#include "app/ticket/TicketOpener.h"
 #include "app/shell/UndoHistory.h"
-#include "app/forecast/ForecastView.h"
-#include "app/forecast/LogForecastDialog.h"
+#include "app/ticket/TicketOpener.h"
 
 using namespace orvane;
 using namespace orvane::app;

@@ -7,8 +7,8 @@
 
 #include "app/AppFixture.h"
 #include "app/planning/PeopleView.h"
-#include "app/ticket/TicketOpener.h"
 #include "app/shell/UndoHistory.h"
+#include "app/ticket/TicketOpener.h"
 #include "core/store/Rows.h"
 
 using namespace orvane;

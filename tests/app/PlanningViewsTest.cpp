@@ -13,17 +13,17 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/widgets/DayField.h"
+#include "app/forecast/ForecastView.h"
 #include "app/planning/EpicDialog.h"
 #include "app/planning/EpicsView.h"
-#include "app/widgets/ItemIds.h"
 #include "app/planning/IterationCloseDialog.h"
 #include "app/planning/IterationDialog.h"
 #include "app/planning/IterationsView.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/ProjectPane.h"
 #include "app/shell/UndoHistory.h"
-#include "app/forecast/ForecastView.h"
+#include "app/widgets/DayField.h"
+#include "app/widgets/ItemIds.h"
 #include "core/support/StoreDump.h"
 
 using namespace orvane;

@@ -17,11 +17,11 @@
 
 #include "app/AppFixture.h"
 #include "app/CommandLine.h"
-#include "app/shell/UndoHistory.h"
 #include "app/roadmap/RoadmapItems.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapTimeline.h"
 #include "app/roadmap/RoadmapView.h"
+#include "app/shell/UndoHistory.h"
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"

@@ -16,14 +16,14 @@
 #include <QTreeWidget>
 
 #include "app/AppFixture.h"
-#include "app/shell/MainWindow.h"
-#include "app/shell/ProjectSetupDialog.h"
-#include "app/shell/StoreCommands.h"
 #include "app/help/AboutDialog.h"
 #include "app/help/HelpWindow.h"
 #include "app/settings/BrandingSettings.h"
 #include "app/settings/LogoFile.h"
 #include "app/settings/SettingsDialog.h"
+#include "app/shell/MainWindow.h"
+#include "app/shell/ProjectSetupDialog.h"
+#include "app/shell/StoreCommands.h"
 
 using namespace orvane;
 using namespace orvane::app;

@@ -8,13 +8,13 @@
 #include <QTest>
 
 #include "app/AppFixture.h"
-#include "app/ticket/ArchivedView.h"
+#include "app/board/FilterBar.h"
+#include "app/board/TicketCard.h"
 #include "app/planning/CalendarDayCell.h"
 #include "app/planning/CalendarView.h"
-#include "app/board/FilterBar.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/ProjectPane.h"
-#include "app/board/TicketCard.h"
+#include "app/ticket/ArchivedView.h"
 #include "app/ticket/TicketTableModel.h"
 
 using namespace orvane;

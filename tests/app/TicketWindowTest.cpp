@@ -13,9 +13,9 @@
 #include <functional>
 
 #include "app/AppFixture.h"
-#include "app/widgets/DayField.h"
-#include "app/ticket/TicketWindow.h"
 #include "app/shell/UndoHistory.h"
+#include "app/ticket/TicketWindow.h"
+#include "app/widgets/DayField.h"
 #include "core/support/StoreDump.h"
 
 using namespace orvane;

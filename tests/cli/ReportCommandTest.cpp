@@ -80,7 +80,7 @@ TEST_F(ReportCommand, TextReportsAndRefusals) {
     const char* message;
   } cases[] = {
       {{"report", "velocity", demo.key},
-       "Unknown report \"velocity\"; the reports are summary, epics, risk, workload and completed.\n"},
+       "Unknown report \"velocity\"; the reports are summary, epics, risk, workload, completed and pdf.\n"},
       {{"report", "completed", demo.key, "--from", "2026-02-30"},
        "--from needs a day like 2026-04-30; \"2026-02-30\" is not one.\n"},
   };
@@ -90,6 +90,13 @@ TEST_F(ReportCommand, TextReportsAndRefusals) {
     EXPECT_EQ(result.err, c.message);
   }
   EXPECT_EQ(run({"report", "summary", demo.key, "--from", "2026-02-01"}).code, 2);
+  // Without the report drawing registered (a build without Qt), a PDF is
+  // refused in a sentence and no file appears.
+  const std::string out = (t.dir.path() / "report.pdf").string();
+  const CliRun pdf = run({"report", "pdf", demo.key, "--audience", "client", "--out", out});
+  EXPECT_EQ(pdf.code, 1);
+  EXPECT_EQ(pdf.err, "This orvane-cli was built without Qt, so it cannot draw PDF reports.\n");
+  EXPECT_FALSE(std::filesystem::exists(out));
   EXPECT_EQ(run({"report", "risk", "Nope"}).code, 2);
 }
 

@@ -8,9 +8,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/board/WipLimitField.h"
 #include "app/widgets/FieldProblem.h"
 #include "app/widgets/NameCheck.h"
-#include "app/board/WipLimitField.h"
 
 namespace orvane::app {
 

@@ -5,8 +5,8 @@
 #include <QMenu>
 #include <algorithm>
 
-#include "app/shell/AppContext.h"
 #include "app/board/BoardView.h"
+#include "app/shell/AppContext.h"
 #include "app/widgets/Confirm.h"
 
 namespace orvane::app {

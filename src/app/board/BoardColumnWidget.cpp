@@ -9,10 +9,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "app/shell/AppContext.h"
 #include "app/board/BoardColumnModel.h"
 #include "app/board/CardDelegate.h"
 #include "app/board/WipLimitDialog.h"
+#include "app/shell/AppContext.h"
 
 namespace orvane::app {
 

@@ -12,10 +12,10 @@
 #include <unordered_set>
 
 #include "app/board/AddColumnDialog.h"
-#include "app/shell/AppContext.h"
 #include "app/board/BoardCardActions.h"
 #include "app/board/BoardColumnModel.h"
 #include "app/board/BoardColumnWidget.h"
+#include "app/shell/AppContext.h"
 
 namespace orvane::app {
 

@@ -10,10 +10,10 @@
 #include <memory>
 #include <stdexcept>
 
-#include "app/widgets/Alert.h"
-#include "app/shell/AppContext.h"
 #include "app/exchange/ImportDialog.h"
+#include "app/shell/AppContext.h"
 #include "app/shell/UndoHistory.h"
+#include "app/widgets/Alert.h"
 #include "core/exchange/TicketCsv.h"
 #include "core/exchange/TicketXlsx.h"
 #include "core/files/FileError.h"

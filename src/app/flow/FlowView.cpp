@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 #include <exception>
 
-#include "app/shell/AppContext.h"
 #include "app/charts/FlowAgeChart.h"
 #include "app/charts/FlowArrivalsChart.h"
 #include "app/charts/FlowChartParts.h"
@@ -21,6 +20,7 @@
 #include "app/flow/ChartCard.h"
 #include "app/flow/FlowHealthPanel.h"
 #include "app/flow/FlowTiles.h"
+#include "app/shell/AppContext.h"
 #include "core/accuracy/FlowHealth.h"
 #include "core/metrics/FlowRange.h"
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/widgets/LatestRun.h"
 #include "app/shell/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
 #include "core/accuracy/FlowHealth.h"
 #include "core/metrics/FlowAnalysis.h"
 #include "core/metrics/FlowScreen.h"

@@ -8,11 +8,11 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "app/shell/AppContext.h"
-#include "app/widgets/Confirm.h"
 #include "app/charts/ForecastHistoryChart.h"
 #include "app/forecast/AccuracySection.h"
 #include "app/forecast/ForecastTables.h"
+#include "app/shell/AppContext.h"
+#include "app/widgets/Confirm.h"
 #include "core/accuracy/ForecastAccuracy.h"
 #include "core/forecast/ForecastService.h"
 

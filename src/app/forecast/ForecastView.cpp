@@ -23,8 +23,6 @@
 #include <exception>
 #include <string>
 
-#include "app/widgets/Alert.h"
-#include "app/shell/AppContext.h"
 #include "app/charts/FinishWeeksChart.h"
 #include "app/charts/ThroughputHistoryChart.h"
 #include "app/forecast/BacktestDialog.h"
@@ -32,6 +30,8 @@
 #include "app/forecast/ChanceText.h"
 #include "app/forecast/ForecastLogPage.h"
 #include "app/forecast/LogForecastDialog.h"
+#include "app/shell/AppContext.h"
+#include "app/widgets/Alert.h"
 #include "core/accuracy/ForecastNarrative.h"
 #include "core/accuracy/HistoryDepth.h"
 #include "core/forecast/ForecastService.h"

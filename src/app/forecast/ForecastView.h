@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/widgets/LatestRun.h"
 #include "app/shell/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
 #include "core/accuracy/ForecastAccuracy.h"
 #include "core/forecast/ForecastInput.h"
 #include "core/model/Epic.h"

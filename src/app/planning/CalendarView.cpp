@@ -12,9 +12,9 @@
 #include <map>
 #include <memory>
 
-#include "app/shell/AppContext.h"
-#include "app/planning/CalendarDayCell.h"
 #include "app/board/TicketCard.h"
+#include "app/planning/CalendarDayCell.h"
+#include "app/shell/AppContext.h"
 #include "core/calendar/MonthGrid.h"
 #include "engine/LocalCivilDate.h"
 

@@ -16,13 +16,13 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/forecast/ChanceText.h"
+#include "app/planning/EpicDialog.h"
+#include "app/planning/MilestoneDialog.h"
 #include "app/shell/AppContext.h"
 #include "app/widgets/Confirm.h"
-#include "app/planning/EpicDialog.h"
 #include "app/widgets/ItemIds.h"
-#include "app/planning/MilestoneDialog.h"
 #include "app/widgets/RunOutcome.h"
-#include "app/forecast/ChanceText.h"
 #include "core/forecast/ForecastService.h"
 #include "core/reports/ReportData.h"
 #include "engine/ForecastResult.h"

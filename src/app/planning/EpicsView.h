@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "app/widgets/LatestRun.h"
 #include "app/shell/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
 
 class QComboBox;
 class QLabel;

@@ -14,13 +14,13 @@
 #include <utility>
 #include <vector>
 
+#include "app/forecast/ChanceText.h"
+#include "app/planning/IterationCloseDialog.h"
+#include "app/planning/IterationDialog.h"
 #include "app/shell/AppContext.h"
 #include "app/widgets/Confirm.h"
 #include "app/widgets/ItemIds.h"
-#include "app/planning/IterationCloseDialog.h"
-#include "app/planning/IterationDialog.h"
 #include "app/widgets/RunOutcome.h"
-#include "app/forecast/ChanceText.h"
 #include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"
 

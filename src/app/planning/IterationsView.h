@@ -3,8 +3,8 @@
 #include <map>
 #include <optional>
 
-#include "app/widgets/LatestRun.h"
 #include "app/shell/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
 #include "app/widgets/RunOutcome.h"
 #include "core/forecast/IterationForecast.h"
 

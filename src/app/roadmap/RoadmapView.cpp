@@ -11,12 +11,12 @@
 #include <exception>
 #include <map>
 
-#include "app/shell/AppContext.h"
 #include "app/planning/EpicDialog.h"
-#include "app/widgets/ItemIds.h"
 #include "app/roadmap/RoadmapItems.h"
 #include "app/roadmap/RoadmapScene.h"
 #include "app/roadmap/RoadmapTimeline.h"
+#include "app/shell/AppContext.h"
+#include "app/widgets/ItemIds.h"
 #include "core/forecast/ForecastService.h"
 #include "engine/LocalCivilDate.h"
 

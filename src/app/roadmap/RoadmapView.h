@@ -3,9 +3,9 @@
 #include <memory>
 #include <optional>
 
-#include "app/widgets/LatestRun.h"
-#include "app/shell/ProjectViewBase.h"
 #include "app/roadmap/RoadmapPicture.h"
+#include "app/shell/ProjectViewBase.h"
+#include "app/widgets/LatestRun.h"
 
 class QComboBox;
 class QLabel;

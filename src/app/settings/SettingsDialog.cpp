@@ -13,10 +13,10 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-#include "app/widgets/FieldProblem.h"
 #include "app/settings/BrandingSettings.h"
 #include "app/settings/FooterPreview.h"
 #include "app/settings/LogoFile.h"
+#include "app/widgets/FieldProblem.h"
 
 namespace orvane::app {
 

@@ -7,8 +7,8 @@
 #include <chrono>
 #include <exception>
 
-#include "app/widgets/Alert.h"
 #include "app/shell/UndoHistory.h"
+#include "app/widgets/Alert.h"
 #include "engine/LocalCivilDate.h"
 
 namespace orvane::app {

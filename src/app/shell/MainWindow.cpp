@@ -13,24 +13,25 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-#include "app/shell/AppContext.h"
-#include "app/shell/AppResources.h"
 #include "app/board/BoardCardActions.h"
 #include "app/board/BoardView.h"
+#include "app/exchange/TicketExchangeCommands.h"
+#include "app/forecast/ForecastView.h"
+#include "app/help/AboutDialog.h"
+#include "app/help/HelpWindow.h"
+#include "app/reports/ReportsWindow.h"
+#include "app/settings/SettingsDialog.h"
+#include "app/shell/AppContext.h"
+#include "app/shell/AppResources.h"
 #include "app/shell/EmptyStateView.h"
 #include "app/shell/ExternalChangeWatcher.h"
 #include "app/shell/ProjectPane.h"
-#include "app/forecast/ForecastView.h"
 #include "app/shell/ProjectSetupDialog.h"
 #include "app/shell/ProjectSidebar.h"
 #include "app/shell/RenameProjectDialog.h"
 #include "app/shell/StoreCommands.h"
-#include "app/exchange/TicketExchangeCommands.h"
-#include "app/ticket/TicketOpener.h"
 #include "app/shell/UndoHistory.h"
-#include "app/help/AboutDialog.h"
-#include "app/help/HelpWindow.h"
-#include "app/settings/SettingsDialog.h"
+#include "app/ticket/TicketOpener.h"
 
 namespace orvane::app {
 
@@ -145,6 +146,9 @@ void MainWindow::buildMenus() {
   renameProject_ = project->addAction(QStringLiteral("Rename project…"), this, [this] {
     if (const std::optional<Uuid> selected = selectedProject()) renameProject(*selected);
   });
+  reports_ = project->addAction(QStringLiteral("Reports…"), this, &MainWindow::showReports);
+  reports_->setObjectName(QStringLiteral("reportsAction"));
+  reports_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
   recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
   project->addSeparator();
   deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
@@ -198,6 +202,7 @@ void MainWindow::buildMenus() {
   for (QAction* action : viewActions_) toolbar->addAction(action);
   toolbar->addSeparator();
   toolbar->addAction(peopleAction);
+  toolbar->addAction(reports_);
   updateUndoActions();
 }
 
@@ -247,6 +252,7 @@ void MainWindow::refresh() {
   deleteProject_->setEnabled(project.has_value());
   renameProject_->setEnabled(project.has_value());
   recipients_->setEnabled(project.has_value());
+  reports_->setEnabled(project.has_value());
   importTickets_->setEnabled(project.has_value());
   importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
                                      : QStringLiteral("Select a project to import tickets into."));
@@ -291,6 +297,10 @@ AboutDialog* MainWindow::showAbout() {
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->open();
   return dialog;
+}
+
+void MainWindow::showReports() {
+  if (const std::optional<Uuid> project = selectedProject()) openReportsWindow(context_, *project, this);
 }
 
 void MainWindow::editReportRecipients() {

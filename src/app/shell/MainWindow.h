@@ -55,6 +55,8 @@ class MainWindow : public QMainWindow {
   void openTicket(const Uuid& ticket);
   void showPeople();
   void editReportRecipients();
+  // The client and internal reports of the selected project, in a window.
+  void showReports();
   void deleteSelectedProject();  // asks first
   // Opens the rename sheet for `project`; returns it (tests and the tour
   // fill it in).
@@ -91,6 +93,7 @@ class MainWindow : public QMainWindow {
   QAction* redo_ = nullptr;
   QAction* deleteProject_ = nullptr;
   QAction* recipients_ = nullptr;
+  QAction* reports_ = nullptr;
   QAction* renameProject_ = nullptr;
   QAction* importTickets_ = nullptr;
   QAction* exportTickets_ = nullptr;

@@ -3,18 +3,18 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "app/shell/AppContext.h"
-#include "app/ticket/ArchivedView.h"
 #include "app/board/BoardView.h"
-#include "app/planning/CalendarView.h"
-#include "app/planning/EpicsView.h"
 #include "app/board/FilterBar.h"
-#include "app/planning/IterationsView.h"
-#include "app/shell/SnapshotCache.h"
-#include "app/ticket/TicketListView.h"
 #include "app/flow/FlowView.h"
 #include "app/forecast/ForecastView.h"
+#include "app/planning/CalendarView.h"
+#include "app/planning/EpicsView.h"
+#include "app/planning/IterationsView.h"
 #include "app/roadmap/RoadmapView.h"
+#include "app/shell/AppContext.h"
+#include "app/shell/SnapshotCache.h"
+#include "app/ticket/ArchivedView.h"
+#include "app/ticket/TicketListView.h"
 
 namespace orvane::app {
 

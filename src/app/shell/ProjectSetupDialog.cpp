@@ -9,10 +9,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/shell/AppContext.h"
-#include "app/widgets/FieldProblem.h"
-#include "app/shell/UndoHistory.h"
 #include "app/settings/SettingsDialog.h"
+#include "app/shell/AppContext.h"
+#include "app/shell/UndoHistory.h"
+#include "app/widgets/FieldProblem.h"
 #include "core/board/ClientEmail.h"
 #include "core/board/PMError.h"
 

@@ -25,16 +25,27 @@
 #include <map>
 
 #include "app/board/AddColumnDialog.h"
-#include "app/shell/AppContext.h"
 #include "app/board/BoardColumnModel.h"
 #include "app/board/BoardColumnWidget.h"
 #include "app/board/BoardView.h"
-#include "app/shell/EmptyStateView.h"
+#include "app/board/FilterBar.h"
+#include "app/board/WipLimitField.h"
+#include "app/exchange/ImportDialog.h"
+#include "app/exchange/TicketExchangeCommands.h"
+#include "app/flow/FlowView.h"
+#include "app/forecast/BacktestDialog.h"
+#include "app/forecast/ForecastView.h"
+#include "app/forecast/LogForecastDialog.h"
+#include "app/help/AboutDialog.h"
+#include "app/help/HelpWindow.h"
 #include "app/planning/EpicDialog.h"
 #include "app/planning/EpicsView.h"
-#include "app/board/FilterBar.h"
-#include "app/exchange/ImportDialog.h"
 #include "app/planning/IterationsView.h"
+#include "app/reports/ReportsWindow.h"
+#include "app/roadmap/RoadmapView.h"
+#include "app/settings/SettingsDialog.h"
+#include "app/shell/AppContext.h"
+#include "app/shell/EmptyStateView.h"
 #include "app/shell/MainWindow.h"
 #include "app/shell/NewProjectDialog.h"
 #include "app/shell/ProjectPane.h"
@@ -42,17 +53,7 @@
 #include "app/shell/ProjectSidebar.h"
 #include "app/shell/RenameProjectDialog.h"
 #include "app/shell/StoreCommands.h"
-#include "app/exchange/TicketExchangeCommands.h"
 #include "app/ticket/TicketOpener.h"
-#include "app/board/WipLimitField.h"
-#include "app/flow/FlowView.h"
-#include "app/forecast/BacktestDialog.h"
-#include "app/forecast/ForecastView.h"
-#include "app/forecast/LogForecastDialog.h"
-#include "app/help/AboutDialog.h"
-#include "app/help/HelpWindow.h"
-#include "app/roadmap/RoadmapView.h"
-#include "app/settings/SettingsDialog.h"
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 
@@ -440,6 +441,7 @@ int ScreenshotTour::run() {
   }
   tourSettingsAndHelp();
   tourRoadmap(project);
+  tourReports(project);
   return failures_ == 0 ? 0 : 1;
 }
 
@@ -490,6 +492,26 @@ void ScreenshotTour::tourSettingsAndHelp() {
     save(about, QStringLiteral("25-about"));
     about->reject();
   }
+}
+
+void ScreenshotTour::tourReports(const std::optional<Uuid>& demo) {
+  if (!demo) return;
+  ReportsWindow* reports = openReportsWindow(context_, *demo, &window_);
+  const auto awaitPreview = [reports] {
+    while (reports->isDrawing()) {
+      QEventLoop loop;
+      QObject::connect(reports, &ReportsWindow::previewShown, &loop, &QEventLoop::quit);
+      QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+      loop.exec();
+    }
+    settle();
+  };
+  awaitPreview();
+  save(reports, QStringLiteral("40-reports-client"));
+  reports->setAudience(ReportAudience::internal);
+  awaitPreview();
+  save(reports, QStringLiteral("41-reports-internal"));
+  reports->close();
 }
 
 void ScreenshotTour::tourRoadmap(const std::optional<Uuid>& demo) {

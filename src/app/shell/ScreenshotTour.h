@@ -38,6 +38,8 @@ class ScreenshotTour : public QObject {
   // The settings filled in, with a logo and with a refused file; the help
   // at its start and at the shortcuts; the About box.
   void tourSettingsAndHelp();
+  // The Reports window with the client and then the internal preview.
+  void tourReports(const std::optional<Uuid>& demo);
 
   AppContext& context_;
   MainWindow& window_;

@@ -5,10 +5,10 @@
 #include <QPushButton>
 #include <QStandardPaths>
 
-#include "app/widgets/Alert.h"
 #include "app/shell/AppContext.h"
 #include "app/shell/NewProjectDialog.h"
 #include "app/shell/UndoHistory.h"
+#include "app/widgets/Alert.h"
 #include "core/files/FileError.h"
 #include "core/files/FileReader.h"
 #include "core/files/FileWriter.h"

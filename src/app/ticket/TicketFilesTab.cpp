@@ -10,8 +10,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "app/widgets/Alert.h"
 #include "app/shell/AppContext.h"
+#include "app/widgets/Alert.h"
 #include "app/widgets/ItemIds.h"
 #include "core/board/BoardService.h"
 

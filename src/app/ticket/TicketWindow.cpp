@@ -17,13 +17,13 @@
 #include <algorithm>
 
 #include "app/shell/AppContext.h"
-#include "app/widgets/DayField.h"
-#include "app/widgets/ItemIds.h"
 #include "app/ticket/TicketChecklistTab.h"
 #include "app/ticket/TicketCommentsTab.h"
 #include "app/ticket/TicketFilesTab.h"
 #include "app/ticket/TicketHistoryTab.h"
 #include "app/ticket/TicketLinksTab.h"
+#include "app/widgets/DayField.h"
+#include "app/widgets/ItemIds.h"
 #include "core/board/BoardService.h"
 #include "core/store/Rows.h"
 #include "engine/LocalCivilDate.h"
