@@ -19,7 +19,6 @@
 #include "app/EmptyStateView.h"
 #include "app/ExternalChangeWatcher.h"
 #include "app/ProjectPane.h"
-#include "app/forecast/ForecastView.h"
 #include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
 #include "app/RenameProjectDialog.h"
@@ -28,6 +27,7 @@
 #include "app/TicketOpener.h"
 #include "app/UndoHistory.h"
 #include "app/forecast/ForecastView.h"
+#include "app/reports/PackSheet.h"
 
 namespace orvane::app {
 
@@ -136,6 +136,7 @@ void MainWindow::buildMenus() {
     if (const std::optional<Uuid> selected = selectedProject()) renameProject(*selected);
   });
   recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
+  developmentPacks_ = project->addAction(QStringLiteral("Development packs…"), this, &MainWindow::openDevelopmentPacks);
   project->addSeparator();
   deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
 
@@ -230,6 +231,7 @@ void MainWindow::refresh() {
   deleteProject_->setEnabled(project.has_value());
   renameProject_->setEnabled(project.has_value());
   recipients_->setEnabled(project.has_value());
+  developmentPacks_->setEnabled(project.has_value());
   importTickets_->setEnabled(project.has_value());
   importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
                                      : QStringLiteral("Select a project to import tickets into."));
@@ -257,6 +259,14 @@ void MainWindow::editReportRecipients() {
   auto* dialog = new ProjectSetupDialog(context_, *project, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->open();
+}
+
+void MainWindow::openDevelopmentPacks() {
+  const std::optional<Uuid> project = selectedProject();
+  if (!project) return;
+  auto* sheet = new PackSheet(context_, *project, this);
+  sheet->setAttribute(Qt::WA_DeleteOnClose);
+  sheet->open();
 }
 
 QDialog* MainWindow::renameProject(const Uuid& project) {

@@ -51,6 +51,7 @@ class MainWindow : public QMainWindow {
   void openTicket(const Uuid& ticket);
   void showPeople();
   void editReportRecipients();
+  void openDevelopmentPacks();
   void deleteSelectedProject();  // asks first
   // Opens the rename sheet for `project`; returns it (tests and the tour
   // fill it in).
@@ -81,6 +82,7 @@ class MainWindow : public QMainWindow {
   QAction* redo_ = nullptr;
   QAction* deleteProject_ = nullptr;
   QAction* recipients_ = nullptr;
+  QAction* developmentPacks_ = nullptr;
   QAction* renameProject_ = nullptr;
   QAction* importTickets_ = nullptr;
   QAction* exportTickets_ = nullptr;

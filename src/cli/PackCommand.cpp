@@ -111,7 +111,9 @@ int runPack(std::span<const std::string> args, const CommandContext& context) {
                 << '\n';
     return exitOk;
   }
-  if (written.empty()) context.out << "No open tickets of " << snapshot.project.name << " are flagged this week with someone assigned: nothing was written.\n";
+  if (written.empty())
+    context.out << "No open tickets of " << snapshot.project.name
+                << " are flagged this week with someone assigned: nothing was written.\n";
   for (const app::WrittenPack& pack : written) {
     context.out << pack.personName.toStdString() << ":\n  " << pack.pdfPath.toStdString() << '\n';
     if (!pack.zipPath.isEmpty())
@@ -120,8 +122,9 @@ int runPack(std::span<const std::string> args, const CommandContext& context) {
     if (pack.email.isEmpty()) context.out << "  (no e-mail address: hand this pack over yourself)\n";
   }
   if (packs.unassignedTickets > 0)
-    context.out << counted(packs.unassignedTickets, "ticket") << " flagged this week " << (packs.unassignedTickets == 1 ? "has" : "have")
-                << " nobody assigned and " << (packs.unassignedTickets == 1 ? "is" : "are") << " in no pack.\n";
+    context.out << counted(packs.unassignedTickets, "ticket") << " flagged this week "
+                << (packs.unassignedTickets == 1 ? "has" : "have") << " nobody assigned and "
+                << (packs.unassignedTickets == 1 ? "is" : "are") << " in no pack.\n";
   return exitOk;
 }
 

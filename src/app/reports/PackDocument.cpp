@@ -35,22 +35,40 @@ QFont fontFor(Style style, QPaintDevice* device) {
   // name or "Missing files" finds it.
   font.setStyleStrategy(QFont::PreferNoShaping);
   switch (style) {
-    case Style::name: font.setPointSizeF(18), font.setBold(true); break;
-    case Style::subtitle: font.setPointSizeF(10.5); break;
-    case Style::ticket: font.setPointSizeF(13), font.setBold(true); break;
-    case Style::heading: font.setPointSizeF(9.5), font.setBold(true); break;
-    case Style::body: case Style::missing: font.setPointSizeF(9.5); break;
-    case Style::quiet: font.setPointSizeF(8.5); break;
+    case Style::name:
+      font.setPointSizeF(18), font.setBold(true);
+      break;
+    case Style::subtitle:
+      font.setPointSizeF(10.5);
+      break;
+    case Style::ticket:
+      font.setPointSizeF(13), font.setBold(true);
+      break;
+    case Style::heading:
+      font.setPointSizeF(9.5), font.setBold(true);
+      break;
+    case Style::body:
+    case Style::missing:
+      font.setPointSizeF(9.5);
+      break;
+    case Style::quiet:
+      font.setPointSizeF(8.5);
+      break;
   }
   return QFont(font, device);
 }
 
 QColor colourFor(Style style) {
   switch (style) {
-    case Style::subtitle: case Style::quiet: return QColor(0x55, 0x5d, 0x68);
-    case Style::missing: return QColor(0xb0, 0x2a, 0x1e);
-    case Style::heading: return QColor(0x2b, 0x4a, 0x6f);
-    default: return QColor(0x1d, 0x22, 0x28);
+    case Style::subtitle:
+    case Style::quiet:
+      return QColor(0x55, 0x5d, 0x68);
+    case Style::missing:
+      return QColor(0xb0, 0x2a, 0x1e);
+    case Style::heading:
+      return QColor(0x2b, 0x4a, 0x6f);
+    default:
+      return QColor(0x1d, 0x22, 0x28);
   }
 }
 
@@ -92,8 +110,8 @@ std::vector<Block> blocksOf(const DevelopmentPacks& set, const DevelopmentPack& 
     if (!ticket.links.empty()) {
       add(QStringLiteral("Links"), Style::heading, 0, 8, true);
       for (const PackLink& link : ticket.links)
-        add(q(link.relation) + QLatin1Char(' ') + q(link.reference) + QStringLiteral("  ") + q(link.title),
-            Style::body, 10, 1);
+        add(q(link.relation) + QLatin1Char(' ') + q(link.reference) + QStringLiteral("  ") + q(link.title), Style::body,
+            10, 1);
     }
     if (!ticket.comments.empty()) {
       add(QStringLiteral("Comments"), Style::heading, 0, 8, true);
@@ -139,8 +157,8 @@ QByteArray packPdf(const DevelopmentPacks& set, const DevelopmentPack& pack, con
   buffer.open(QIODevice::WriteOnly);
   QPdfWriter writer(&buffer);
   writer.setResolution(dotsPerInch);
-  writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(16, 14, 16, 10),
-                                   QPageLayout::Millimeter));
+  writer.setPageLayout(
+      QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(16, 14, 16, 10), QPageLayout::Millimeter));
   writer.setTitle(QStringLiteral("%1 · %2").arg(q(pack.personName), q(set.projectName)));
   writer.setCreator(q(ReportBranding::creditLine()));
 
@@ -172,7 +190,8 @@ QByteArray packPdf(const DevelopmentPacks& set, const DevelopmentPack& pack, con
     if (y > 0) y += block.spaceBeforePoints * point;
     // A heading moves on with the first line of what follows it.
     qreal needed = layout->lineCount() > 0 ? layout->lineAt(0).height() : 0;
-    if (block.keepWithNext && b + 1 < blocks.size()) needed += fontFor(blocks[b + 1].style, &writer).pointSizeF() * point * 2;
+    if (block.keepWithNext && b + 1 < blocks.size())
+      needed += fontFor(blocks[b + 1].style, &writer).pointSizeF() * point * 2;
     if (y > 0 && y + needed > bodyBottom) ++page, y = 0;
     for (int i = 0; i < layout->lineCount(); ++i) {
       const qreal height = layout->lineAt(i).height();

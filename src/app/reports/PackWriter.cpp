@@ -13,20 +13,28 @@ namespace orvane::app {
 
 WrittenPack writePack(const DevelopmentPacks& set, const DevelopmentPack& pack, const ReportBranding& branding,
                       const std::filesystem::path& folder) {
-  // Read the files first: what cannot be read now is missing in the PDF too.
+  // Read the files first: what cannot be read now is missing in the PDF too,
+  // and the ZIP's names are given to the files that are really in it.
   DevelopmentPack checked = pack;
-  std::vector<ZipArchive::File> members;
+  std::vector<std::vector<std::string>> contents;
   for (PackTicket& ticket : checked.tickets) {
-    const std::vector<std::string> names = packMemberNames(ticket);
+    std::vector<std::string>& read = contents.emplace_back(ticket.files.size());
     for (std::size_t i = 0; i < ticket.files.size(); ++i) {
       PackFile& file = ticket.files[i];
       if (!file.present) continue;
       try {
-        members.push_back({names[i], readRegularFile(file.path, FileContent::linkedFile)});
+        read[i] = readRegularFile(file.path, FileContent::linkedFile);
       } catch (const FileError&) {
         file.present = false;
       }
     }
+  }
+  std::vector<ZipArchive::File> members;
+  for (std::size_t t = 0; t < checked.tickets.size(); ++t) {
+    const PackTicket& ticket = checked.tickets[t];
+    const std::vector<std::string> names = packMemberNames(ticket);
+    for (std::size_t i = 0; i < ticket.files.size(); ++i)
+      if (ticket.files[i].present) members.push_back({names[i], std::move(contents[t][i])});
   }
 
   WrittenPack written;

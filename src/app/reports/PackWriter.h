@@ -13,9 +13,9 @@ namespace orvane::app {
 // What writing one pack left in the folder.
 struct WrittenPack {
   QString personName;
-  QString email;        // empty: the pack cannot be mailed
+  QString email;  // empty: the pack cannot be mailed
   QString pdfPath;
-  QString zipPath;      // empty when no linked file could be read: no ZIP is written
+  QString zipPath;  // empty when no linked file could be read: no ZIP is written
   int zippedFiles = 0;
   QStringList missing;  // paths of linked files that were not found or could not be read
 };

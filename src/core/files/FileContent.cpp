@@ -5,9 +5,12 @@ namespace orvane {
 std::uint64_t readLimit(FileContent content) {
   constexpr std::uint64_t megabyte = 1024 * 1024;
   switch (content) {
-    case FileContent::backup: return 1024 * megabyte;
-    case FileContent::linkedFile: return 512 * megabyte;
-    case FileContent::tickets: break;
+    case FileContent::backup:
+      return 1024 * megabyte;
+    case FileContent::linkedFile:
+      return 512 * megabyte;
+    case FileContent::tickets:
+      break;
   }
   return 50 * megabyte;
 }

@@ -89,8 +89,7 @@ std::int64_t DevelopmentPack::fileCount() const {
 
 std::int64_t DevelopmentPack::missingCount() const {
   std::int64_t count = 0;
-  for (const PackTicket& ticket : tickets)
-    count += std::ranges::count(ticket.files, false, &PackFile::present);
+  for (const PackTicket& ticket : tickets) count += std::ranges::count(ticket.files, false, &PackFile::present);
   return count;
 }
 
@@ -121,6 +120,10 @@ std::vector<std::string> packMemberNames(const PackTicket& ticket) {
   std::set<std::string> taken;
   std::vector<std::string> names;
   for (const PackFile& file : ticket.files) {
+    if (!file.present) {
+      names.emplace_back();
+      continue;
+    }
     const std::string last = std::filesystem::path(file.path).filename().string();
     const std::string name = safeFileNamePart(last, "file");
     const auto dot = name.rfind('.');
@@ -158,8 +161,8 @@ DevelopmentPacks developmentPacks(const ProjectSnapshot& project, Timestamp now,
     pack.personId = person.id;
     pack.personName = person.name;
     pack.email = person.email;
-    pack.fileStem = distinctName(projectPart + " - " + safeFileNamePart(person.name, "person") + " - " + weekPart,
-                                 "", takenStems);
+    pack.fileStem =
+        distinctName(projectPart + " - " + safeFileNamePart(person.name, "person") + " - " + weekPart, "", takenStems);
     for (const Ticket* ticket : found->second) pack.tickets.push_back(packTicket(project, *ticket, calendar, present));
     out.packs.push_back(std::move(pack));
   }

@@ -57,11 +57,11 @@ struct PackTicket {
   std::string reference;  // "SHOP-12": what the developer quotes in replies
   std::string title;
   std::string details;
-  std::optional<CivilDate> due;               // in the user's calendar
-  std::vector<PackChecklistItem> checklist;   // by position
-  std::vector<PackLink> links;                // by the other ticket's number
-  std::vector<PackComment> comments;          // oldest first
-  std::vector<PackFile> files;                // by label, then path
+  std::optional<CivilDate> due;              // in the user's calendar
+  std::vector<PackChecklistItem> checklist;  // by position
+  std::vector<PackLink> links;               // by the other ticket's number
+  std::vector<PackComment> comments;         // oldest first
+  std::vector<PackFile> files;               // by label, then path
 
   friend bool operator==(const PackTicket&, const PackTicket&) = default;
 };
@@ -87,7 +87,7 @@ struct DevelopmentPack {
 
 struct DevelopmentPacks {
   std::string projectName;
-  CivilDate weekStart;  // the first day of today's week in the user's calendar
+  CivilDate weekStart;                 // the first day of today's week in the user's calendar
   std::vector<DevelopmentPack> packs;  // by person name
   // Open tickets flagged "this week" with nobody assigned: in no pack, so the
   // sheet says how many there are.
@@ -120,7 +120,8 @@ std::string safeFileNamePart(std::string_view text, std::string_view fallback);
 // The names of the linked files inside a pack's ZIP: "SHOP-12/plan.pdf", the
 // ticket's reference as the folder and the file's own last path component,
 // made safe; a name met twice in one folder gets " (2)", " (3)" before its
-// extension. One name per file of `ticket.files`, in order.
+// extension. One name per file of `ticket.files`, in order; a file that is
+// not present gets an empty name and takes none from the others.
 std::vector<std::string> packMemberNames(const PackTicket& ticket);
 
 }  // namespace orvane

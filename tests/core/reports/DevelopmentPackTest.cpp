@@ -52,8 +52,7 @@ TEST_F(PackSet, TicketCarriesEveryFieldInItsOrder) {
   EXPECT_EQ(ticket.title, "Checkout page");
   EXPECT_EQ(ticket.details, "Checkout page in detail.\nSecond line of the details.");
   EXPECT_EQ(ticket.due, CivilDate(2026, 3, 7));
-  EXPECT_EQ(ticket.checklist,
-            (std::vector<PackChecklistItem>{{"Card form", false}, {"Address form", true}}));
+  EXPECT_EQ(ticket.checklist, (std::vector<PackChecklistItem>{{"Card form", false}, {"Address form", true}}));
   EXPECT_EQ(ticket.comments, (std::vector<PackComment>{{CivilDate(2026, 3, 3), "Use the new button style."},
                                                        {CivilDate(2026, 3, 4), "Ask about VAT numbers."}}));
   // Links from both ends, each read from this ticket's side.
@@ -113,10 +112,11 @@ TEST(SafeFileNamePart, ReplacesSeparatorsAndControlsAndFallsBack) {
 TEST(PackMemberNames, FolderPerTicketAndRepeatedNamesNumbered) {
   PackTicket ticket;
   ticket.reference = "SHOP-2";
+  ticket.files.push_back({"label", "/gone/plan.pdf", false});  // takes no name
   for (const char* path : {"/a/plan.pdf", "/b/plan.pdf", "/c/PLAN.pdf", "/d/notes", "/e/notes", "/f/.hidden"})
     ticket.files.push_back({"label", path, true});
   EXPECT_EQ(packMemberNames(ticket),
-            (std::vector<std::string>{"SHOP-2/plan.pdf", "SHOP-2/plan (2).pdf", "SHOP-2/PLAN (3).pdf",
+            (std::vector<std::string>{"", "SHOP-2/plan.pdf", "SHOP-2/plan (2).pdf", "SHOP-2/PLAN (3).pdf",
                                       "SHOP-2/notes", "SHOP-2/notes (2)", "SHOP-2/.hidden"}));
 }
 

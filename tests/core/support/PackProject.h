@@ -54,14 +54,14 @@ struct PackProject {
       if (thisWeek) service.setThisWeek(id, true);
       return id;
     };
-    const Uuid blocker = ticket("Agree the payment provider", std::nullopt, false);          // SHOP-1
-    adaFirst = ticket("Checkout page", ada, true, Timestamp{now.secondsSince1970 + 3 * 86400.0});                     // SHOP-2
-    adaSecond = ticket("Receipt e-mail", ada, true);                                      // SHOP-3
-    bobTicket = ticket("Table widths", bob, true);                                        // SHOP-4
-    const Uuid done = ticket("Finished last week", ada, true);                            // SHOP-5
-    const Uuid archived = ticket("Shelved idea", bob, true);                              // SHOP-6
-    ticket("Nobody's yet", std::nullopt, true);                                            // SHOP-7
-    ticket("Cy's later work", cy, false);                                                  // SHOP-8
+    const Uuid blocker = ticket("Agree the payment provider", std::nullopt, false);                // SHOP-1
+    adaFirst = ticket("Checkout page", ada, true, Timestamp{now.secondsSince1970 + 3 * 86400.0});  // SHOP-2
+    adaSecond = ticket("Receipt e-mail", ada, true);                                               // SHOP-3
+    bobTicket = ticket("Table widths", bob, true);                                                 // SHOP-4
+    const Uuid done = ticket("Finished last week", ada, true);                                     // SHOP-5
+    const Uuid archived = ticket("Shelved idea", bob, true);                                       // SHOP-6
+    ticket("Nobody's yet", std::nullopt, true);                                                    // SHOP-7
+    ticket("Cy's later work", cy, false);                                                          // SHOP-8
 
     service.addChecklistItem(adaFirst, "Card form");
     const Uuid second = service.addChecklistItem(adaFirst, "Address form").id;
