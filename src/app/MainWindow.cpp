@@ -19,6 +19,7 @@
 #include "app/EmptyStateView.h"
 #include "app/ExternalChangeWatcher.h"
 #include "app/ProjectPane.h"
+#include "app/forecast/ForecastView.h"
 #include "app/ProjectSetupDialog.h"
 #include "app/ProjectSidebar.h"
 #include "app/RenameProjectDialog.h"

@@ -21,10 +21,10 @@
 #include "cli/ExchangeCommands.h"
 #include "cli/FlowCommand.h"
 #include "cli/ForecastCommand.h"
+#include "cli/ReportCommand.h"
 #include "cli/GlobalOptions.h"
 #include "cli/HealthCommand.h"
 #include "cli/ProjectCommands.h"
-#include "cli/ReportCommand.h"
 #ifdef ORVANE_CLI_PACK
 #include "cli/PackCommand.h"
 #endif
