@@ -85,6 +85,7 @@ class PackTest : public QObject {
   void writtenPacksHoldEveryTicketAndEveryFileByteForByte();
   void fileGoneSinceListingIsListedMissingAndLeftOutOfTheZip();
   void commandLineWritesTheSameSet();
+  void longPackCountsItsPagesOnEveryPage();
 };
 
 void PackTest::sheetShowsWhatWillBeWrittenBeforeWriting() {
@@ -218,6 +219,35 @@ void PackTest::commandLineWritesTheSameSet() {
     else
       QCOMPARE(pdfText(theirs), pdfText(mine));
   }
+}
+
+void PackTest::longPackCountsItsPagesOnEveryPage() {
+  testing::AppEnvironment environment;
+  DevelopmentPacks set;
+  set.projectName = "Long";
+  set.weekStart = CivilDate(2026, 3, 2);
+  DevelopmentPack pack;
+  pack.personName = "Ada";
+  pack.fileStem = "long";
+  for (int i = 1; i <= 40; ++i) {
+    PackTicket ticket;
+    ticket.reference = "L-" + std::to_string(i);
+    ticket.title = "Ticket number " + std::to_string(i);
+    ticket.details = std::string(400, 'x');  // one unbroken word, wrapped anywhere
+    pack.tickets.push_back(ticket);
+  }
+  pack.tickets.back().files.push_back({"last.txt", "/nowhere/last.txt", false});
+  TempDir folder;
+  const WrittenPack written = writePack(set, pack, ReportBranding{}, folder.path());
+  const QString text = pdfText(written.pdfPath);
+  // Every ticket arrives, the last one with its missing file, and each page
+  // knows how many there are.
+  QVERIFY(text.contains("L-1 Ticket number 1") && text.contains("L-40 Ticket number 40"));
+  QVERIFY(text.contains("Missing files last.txt /nowhere/last.txt"));
+  const qsizetype pages = text.count("Created with Orvane");
+  QVERIFY(pages >= 3);
+  for (qsizetype page = 1; page <= pages; ++page)
+    QVERIFY(text.contains(QStringLiteral("Page %1 of %2").arg(page).arg(pages)));
 }
 
 QTEST_MAIN(PackTest)
