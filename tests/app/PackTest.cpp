@@ -3,6 +3,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
+#include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -159,6 +160,17 @@ void PackTest::writtenPacksHoldEveryTicketAndEveryFileByteForByte() {
   QVERIFY(sheet.findChild<QLabel*>("packStatus")
               ->text()
               .contains("Bob: the builder has no e-mail address: hand the files over yourself."));
+
+  // Without a mail program the sheet says where the files are and whom to
+  // send them to.
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", "/nonexistent");
+  sheet.findChild<QPushButton*>("email0")->click();
+  qputenv("PATH", path);
+  auto* fallback = sheet.findChild<QMessageBox*>("mailFallback");
+  QVERIFY(fallback != nullptr);
+  QVERIFY(fallback->text().contains(f.folder));
+  QVERIFY(fallback->text().contains("ada@example.com"));
 }
 
 void PackTest::fileGoneSinceListingIsListedMissingAndLeftOutOfTheZip() {
@@ -208,6 +220,19 @@ void PackTest::commandLineWritesTheSameSet() {
   QCOMPARE(packs.size(), 2);
   QCOMPARE(packs[0].toObject()["missingFiles"].toArray().size(), 1);
   QCOMPARE(packs[0].toObject()["zippedFiles"].toInt(), 2);
+
+  // A folder that is a file is refused with a sentence, and nothing is written.
+  QProcess refused;
+  refused.setProcessEnvironment(environment);
+  const QString plainFile = QString::fromStdString(f.p.bobFile.string());
+  refused.start(QStringLiteral(ORVANE_CLI),
+                {"--store", QString::fromStdString((f.t.dir.path() / "orvane.sqlite").string()), "pack", "SHOP",
+                 "--out", plainFile});
+  QVERIFY(refused.waitForFinished(60000));
+  QCOMPARE(refused.exitCode(), 1);
+  QVERIFY(QString::fromUtf8(refused.readAllStandardError())
+              .contains("The packs cannot be written to " + plainFile + ": it is not a folder that can be made."));
+  QCOMPARE(testing::bytesOf(f.p.bobFile), f.p.bobBytes);
 
   // The same files; the ZIPs byte for byte, the PDFs by their text.
   QCOMPARE(filesIn(cliFolder), filesIn(f.folder));
