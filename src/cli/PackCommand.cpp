@@ -1,6 +1,8 @@
 #include "cli/PackCommand.h"
 
 #include <QGuiApplication>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -41,6 +43,14 @@ constexpr OptionSpec packSpecs[] = {{"--out", true}, {"--json", false}, {"--help
 std::unique_ptr<QGuiApplication> guiApplication() {
   if (QCoreApplication::instance()) return nullptr;
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  // Qt's own notes (a missing runtime folder, an offscreen plugin's limits)
+  // are no business of the user's: a scheduled run prints only its result.
+  qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtFatalMsg) {
+      std::fputs(qPrintable(message + QLatin1Char('\n')), stderr);
+      std::abort();
+    }
+  });
   static int argc = 1;
   static char name[] = "orvane-cli";
   static char* argv[] = {name, nullptr};
