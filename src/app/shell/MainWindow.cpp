@@ -19,6 +19,7 @@
 #include "app/forecast/ForecastView.h"
 #include "app/help/AboutDialog.h"
 #include "app/help/HelpWindow.h"
+#include "app/reports/PackSheet.h"
 #include "app/reports/ReportsWindow.h"
 #include "app/settings/SettingsDialog.h"
 #include "app/shell/AppContext.h"
@@ -150,6 +151,7 @@ void MainWindow::buildMenus() {
   reports_->setObjectName(QStringLiteral("reportsAction"));
   reports_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
   recipients_ = project->addAction(QStringLiteral("Report recipients…"), this, &MainWindow::editReportRecipients);
+  developmentPacks_ = project->addAction(QStringLiteral("Development packs…"), this, &MainWindow::openDevelopmentPacks);
   project->addSeparator();
   deleteProject_ = project->addAction(QStringLiteral("Delete project…"), this, &MainWindow::deleteSelectedProject);
 
@@ -253,6 +255,7 @@ void MainWindow::refresh() {
   renameProject_->setEnabled(project.has_value());
   recipients_->setEnabled(project.has_value());
   reports_->setEnabled(project.has_value());
+  developmentPacks_->setEnabled(project.has_value());
   importTickets_->setEnabled(project.has_value());
   importTickets_->setToolTip(project ? QStringLiteral("Import tickets from a CSV file or an Excel workbook")
                                      : QStringLiteral("Select a project to import tickets into."));
@@ -309,6 +312,14 @@ void MainWindow::editReportRecipients() {
   auto* dialog = new ProjectSetupDialog(context_, *project, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->open();
+}
+
+void MainWindow::openDevelopmentPacks() {
+  const std::optional<Uuid> project = selectedProject();
+  if (!project) return;
+  auto* sheet = new PackSheet(context_, *project, this);
+  sheet->setAttribute(Qt::WA_DeleteOnClose);
+  sheet->open();
 }
 
 QDialog* MainWindow::renameProject(const Uuid& project) {

@@ -57,6 +57,7 @@ class MainWindow : public QMainWindow {
   void editReportRecipients();
   // The client and internal reports of the selected project, in a window.
   void showReports();
+  void openDevelopmentPacks();
   void deleteSelectedProject();  // asks first
   // Opens the rename sheet for `project`; returns it (tests and the tour
   // fill it in).
@@ -94,6 +95,7 @@ class MainWindow : public QMainWindow {
   QAction* deleteProject_ = nullptr;
   QAction* recipients_ = nullptr;
   QAction* reports_ = nullptr;
+  QAction* developmentPacks_ = nullptr;
   QAction* renameProject_ = nullptr;
   QAction* importTickets_ = nullptr;
   QAction* exportTickets_ = nullptr;

@@ -19,6 +19,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <fstream>
 #include <iostream>
@@ -32,6 +33,7 @@
 #include "app/board/WipLimitField.h"
 #include "app/exchange/ImportDialog.h"
 #include "app/exchange/TicketExchangeCommands.h"
+#include "app/reports/PackSheet.h"
 #include "app/flow/FlowView.h"
 #include "app/forecast/BacktestDialog.h"
 #include "app/forecast/ForecastView.h"
@@ -438,6 +440,22 @@ int ScreenshotTour::run() {
       save(rename, QStringLiteral("22-rename-project-refused"));
       rename->reject();
     }
+
+    // The development packs: what will be written, then written and ready to send.
+    auto* packs = new PackSheet(context_, *project, &window_);
+    packs->show();
+    settle();
+    save(packs, QStringLiteral("23-development-packs"));
+    QTemporaryDir packFolder;
+    QEventLoop writing;
+    connect(packs, &PackSheet::packsWritten, &writing, &QEventLoop::quit);
+    connect(packs, &PackSheet::writeFailed, &writing, &QEventLoop::quit);
+    QTimer::singleShot(60000, &writing, &QEventLoop::quit);
+    packs->writeInto(packFolder.path());
+    writing.exec();
+    if (!packs->written().empty()) save(packs, QStringLiteral("23b-development-packs-written"));
+    else ++failures_;
+    delete packs;
   }
   tourSettingsAndHelp();
   tourRoadmap(project);

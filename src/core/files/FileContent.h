@@ -17,6 +17,9 @@ enum class FileContent {
   // Ticket files (CSV and XLSX exports, imports and the import template): a
   // new one gets the usual mode (0666 less the umask). Read up to 50 MB.
   tickets,
+  // A file linked to a ticket, read to go into a development pack's ZIP.
+  // Read up to 512 MB; such a file is only ever read, never created.
+  linkedFile,
 };
 
 // The largest file, in bytes, that is read for `content`.
