@@ -22,6 +22,7 @@
 #include "core/store/Store.h"
 #include "support/AwaitView.h"
 #include "support/BenchStore.h"
+#include "support/OffscreenExit.h"
 
 namespace orvane {
 namespace {
@@ -101,10 +102,7 @@ struct Screen {
   }
 };
 
-Screen& shared() {
-  static Screen screen;
-  return screen;
-}
+Screen& shared() { return bench::sharedScreen<Screen>(); }
 
 void BM_WhatIfRecompute(benchmark::State& state) {
   Screen& s = shared();

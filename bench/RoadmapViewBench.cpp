@@ -22,6 +22,7 @@
 #include "core/store/Store.h"
 #include "support/AwaitView.h"
 #include "support/BenchStore.h"
+#include "support/OffscreenExit.h"
 
 namespace orvane {
 namespace {
@@ -60,10 +61,7 @@ struct Screen {
   const Uuid& project(const benchmark::State& state) const { return state.range(0) == 0 ? demo : sample; }
 };
 
-Screen& shared() {
-  static Screen screen;
-  return screen;
-}
+Screen& shared() { return bench::sharedScreen<Screen>(); }
 
 const char* label(const benchmark::State& state) { return state.range(0) == 0 ? "demo project" : "40 epics"; }
 
