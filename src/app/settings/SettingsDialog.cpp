@@ -17,6 +17,7 @@
 #include "app/settings/FooterPreview.h"
 #include "app/settings/LogoFile.h"
 #include "app/widgets/FieldProblem.h"
+#include "app/widgets/FormParts.h"
 
 namespace orvane::app {
 
@@ -24,20 +25,6 @@ namespace {
 
 constexpr int footerPreviewWidth = 640;
 constexpr int logoPreviewHeight = 48;
-
-QLineEdit* makeField(QWidget* parent, const char* name, const std::string& value, const QString& placeholder) {
-  auto* field = new QLineEdit(QString::fromStdString(value), parent);
-  field->setObjectName(QString::fromLatin1(name));
-  field->setPlaceholderText(placeholder);
-  return field;
-}
-
-QLabel* makeNote(const QString& text, QWidget* parent) {
-  auto* note = new QLabel(text, parent);
-  note->setWordWrap(true);
-  note->setStyleSheet(QStringLiteral("color: palette(mid);"));
-  return note;
-}
 
 }  // namespace
 

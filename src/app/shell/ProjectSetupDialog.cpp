@@ -13,28 +13,11 @@
 #include "app/shell/AppContext.h"
 #include "app/shell/UndoHistory.h"
 #include "app/widgets/FieldProblem.h"
+#include "app/widgets/FormParts.h"
 #include "core/board/ClientEmail.h"
 #include "core/board/PMError.h"
 
 namespace orvane::app {
-
-namespace {
-
-QLineEdit* makeField(QWidget* parent, const char* name, const std::string& value, const QString& placeholder = {}) {
-  auto* field = new QLineEdit(QString::fromStdString(value), parent);
-  field->setObjectName(QString::fromLatin1(name));
-  field->setPlaceholderText(placeholder);
-  return field;
-}
-
-QLabel* makeNote(const QString& text, QWidget* parent) {
-  auto* note = new QLabel(text, parent);
-  note->setWordWrap(true);
-  note->setStyleSheet(QStringLiteral("color: palette(mid);"));
-  return note;
-}
-
-}  // namespace
 
 ProjectSetupDialog::ProjectSetupDialog(AppContext& context, const Uuid& project, QWidget* parent)
     : QDialog(parent, Qt::Sheet), context_(context), project_(project) {
