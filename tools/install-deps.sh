@@ -14,6 +14,7 @@ packages=(
   qt6-base-dev                   # the desktop application
   qt6-charts-dev libqt6opengl6-dev  # the app's charts (Qt Charts needs the OpenGL module to configure)
   qt6-pdf-dev                    # the report preview (PDFs are written with Qt GUI's own writer)
+  libqt6svg6                     # draws the app's SVG icon (window, About box)
   xdg-utils                      # e-mailing reports and packs through the desktop's mail program
   poppler-utils                  # tests read the PDFs back with pdftotext and pdftoppm
   xvfb xauth                     # tools/screenshots draws the app without a display
