@@ -113,8 +113,10 @@ QStringList commonTexts(AppFixture& f, const Uuid& project) {
   const ProjectSnapshot snapshot = f.snapshot(project);
   ForecastService forecasts(f.t.store);
   const WhenForecast when = forecasts.input(project, CivilDate::fromUtc(f.clock)).runWhen();
+  // The chart's axis title too: its "fi" must not come out as a ligature.
   QStringList texts{QStringLiteral("Created with Orvane"), QStringLiteral("Page 1 of"),
-                    QStringLiteral("Prepared by Ann Example, Example Ltd"), QStringLiteral("ann@example.com")};
+                    QStringLiteral("Prepared by Ann Example, Example Ltd"), QStringLiteral("ann@example.com"),
+                    QStringLiteral("with the confidence levels reached in each")};
   for (const std::string& line : ForecastNarrative::lines(when, latestBefore(forecastHistory(snapshot), f.clock)))
     texts << q(line);
   return texts;

@@ -1,7 +1,9 @@
 #include "app/reports/ReportCharts.h"
 
 #include <QChart>
+#include <QAbstractAxis>
 #include <QChartView>
+#include <QLegend>
 #include <QCoreApplication>
 #include <QPainter>
 #include <QScrollBar>
@@ -22,7 +24,24 @@ namespace {
 // what the screen gives it, so labels keep their proportions.
 constexpr int chartPixelWidth = 760;
 
+QFont withoutLigatures(QFont font) {
+  font.setStyleStrategy(QFont::PreferNoShaping);
+  return font;
+}
+
+// No ligatures in a chart's words either: "fi" in "confidence" stays two
+// letters for anyone who searches or copies the PDF's text.
+void unshapeText(QChart& chart) {
+  chart.setTitleFont(withoutLigatures(chart.titleFont()));
+  chart.legend()->setFont(withoutLigatures(chart.legend()->font()));
+  for (QAbstractAxis* axis : chart.axes()) {
+    axis->setTitleFont(withoutLigatures(axis->titleFont()));
+    axis->setLabelsFont(withoutLigatures(axis->labelsFont()));
+  }
+}
+
 void render(QChartView& view, QPainter& painter, const QRectF& area) {
+  unshapeText(*view.chart());
   const QSize size(chartPixelWidth,
                    static_cast<int>(chartPixelWidth * area.height() / std::max<qreal>(area.width(), 1)));
   view.setAttribute(Qt::WA_DontShowOnScreen);
