@@ -24,10 +24,8 @@
 #include "cli/GlobalOptions.h"
 #include "cli/HealthCommand.h"
 #include "cli/ProjectCommands.h"
-#include "cli/ReportCommand.h"
-#ifdef ORVANE_CLI_PACK
 #include "cli/PackCommand.h"
-#endif
+#include "cli/ReportCommand.h"
 #include "cli/SimulateCommand.h"
 #include "cli/StoreAccess.h"
 #include "cli/TicketCommands.h"
@@ -53,9 +51,7 @@ constexpr std::array commands{
     Command{"forecast", "Forecast a project, an epic, an iteration or the roadmap", &runForecast},
     Command{"flow", "A project's throughput, cycle time, work age and cumulative flow", &runFlow},
     Command{"report", "Summary, epics, risks, workload, completed work or a PDF report of a project", &runReport},
-#ifdef ORVANE_CLI_PACK
     Command{"pack", "Write the week's development packs: a PDF and a ZIP per person", &runPack},
-#endif
     Command{"calc", "Run a project, iteration or roadmap forecast on JSON numbers", &runCalc},
     Command{"health", "Sum up a project's recent flow in figures and sentences", &runHealth},
     Command{"accuracy", "Judge a project's logged forecasts against what happened", &runAccuracy},

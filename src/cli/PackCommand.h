@@ -8,12 +8,15 @@
 namespace orvane::cli {
 
 // `orvane-cli pack PROJECT --out DIR [--json]`: writes the week's
-// development packs of a project into DIR (created when missing): per person
-// with open tickets flagged "this week", a PDF of those tickets and a ZIP of
-// the files linked to them. Prints what was written and which linked files
-// are missing. The only command that starts Qt: it draws the PDFs with the
-// desktop application's code, on the offscreen platform unless
-// QT_QPA_PLATFORM says otherwise, so it runs without a display.
+// development packs of a project. The packs are drawn with the desktop
+// application's code (Qt); the command-line program registers that runner at
+// start when it is built with Qt, so every other command runs without it.
+using PackRunner = int (*)(std::span<const std::string> args, const CommandContext& context);
+
+void setPackRunner(PackRunner runner);
+
+// Runs the registered runner; without one, says this build cannot draw the
+// packs.
 int runPack(std::span<const std::string> args, const CommandContext& context);
 
 }  // namespace orvane::cli

@@ -7,6 +7,8 @@
 #include "cli/CliApp.h"
 
 #ifdef ORVANE_CLI_WITH_PDF
+#include "cli/PackCommand.h"
+#include "cli/pdf/QtPack.h"
 #include "cli/pdf/QtReportPdf.h"
 #endif
 
@@ -16,6 +18,7 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
 #ifdef ORVANE_CLI_WITH_PDF
   orvane::cli::setReportPdfRenderer(&orvane::cli::renderReportPdfWithQt);
+  orvane::cli::setPackRunner(&orvane::cli::runPackWithQt);
 #endif
   const std::vector<std::string> args(argv + 1, argv + argc);
   const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();

@@ -97,6 +97,12 @@ TEST_F(ReportCommand, TextReportsAndRefusals) {
   EXPECT_EQ(pdf.code, 1);
   EXPECT_EQ(pdf.err, "This orvane-cli was built without Qt, so it cannot draw PDF reports.\n");
   EXPECT_FALSE(std::filesystem::exists(out));
+  // Development packs likewise: no folder is made.
+  const std::filesystem::path packs = t.dir.path() / "packs";
+  const CliRun pack = run({"pack", demo.key, "--out", packs.string()});
+  EXPECT_EQ(pack.code, 1);
+  EXPECT_EQ(pack.err, "This orvane-cli was built without Qt, so it cannot draw development packs.\n");
+  EXPECT_FALSE(std::filesystem::exists(packs));
   EXPECT_EQ(run({"report", "risk", "Nope"}).code, 2);
 }
 
