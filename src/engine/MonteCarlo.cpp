@@ -9,7 +9,7 @@
 #include "engine/Pcg64.h"
 #include "engine/Percentile.h"
 #include "engine/SeedDerivation.h"
-#include "engine/SpeculativeBlocks.h"
+#include "engine/GuessedStarts.h"
 #include "engine/ThreadCount.h"
 
 namespace orvane::MonteCarlo {
@@ -105,7 +105,7 @@ constexpr std::int64_t blocksPerThread = 4;
 // The simulations split into consecutive blocks shared by the threads. Without a
 // rejected word, simulation t starts at word t * maxPeriods of the stream, so
 // every block starts there at once; the blocks after a rejection run again
-// from the corrected word (see runSpeculatively), which leaves the result
+// from the corrected word (see runFromGuessedStarts), which leaves the result
 // exactly that of one stream read from start to end.
 bool simulateBlocks(const Simulation& sim, const PCG64& generator, std::size_t threads,
                     std::span<std::int64_t> periodsOut, double* atHorizonOut) {
@@ -126,7 +126,7 @@ bool simulateBlocks(const Simulation& sim, const PCG64& generator, std::size_t t
     plannedStarts[b] = static_cast<std::uint64_t>(firstOf(b)) * static_cast<std::uint64_t>(sim.maxPeriods);
   }
   std::vector<char> inconclusive(blocks, 0);
-  runSpeculatively(std::move(plannedStarts), threads, [&](std::size_t b, std::uint64_t startWord) {
+  runFromGuessedStarts(std::move(plannedStarts), threads, [&](std::size_t b, std::uint64_t startWord) {
     const std::size_t first = firstOf(b);
     BoundedDrawStream draws(generator, n, startWord);
     inconclusive[b] = simulateRange(sim, draws, periodsOut.subspan(first, firstOf(b + 1) - first),

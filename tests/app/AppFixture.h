@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QLocale>
 #include <QSettings>
+#include <QSignalSpy>
+#include <QTest>
 #include <QStandardPaths>
 #include <memory>
 
@@ -39,5 +41,13 @@ struct AppFixture {
   BoardService& board() { return context->board(); }
   ProjectSnapshot snapshot(const Uuid& project) { return *board().snapshot(project); }
 };
+
+// Waits until `view` shows its newest run (work that runs in the thread
+// pool): while it is still computing, for its `shown` signal.
+template <typename View, typename Signal>
+void awaitNewest(View& view, Signal shown, int timeoutMs = 20000) {
+  QSignalSpy spy(&view, shown);
+  while (view.isComputing()) QVERIFY(spy.wait(timeoutMs));
+}
 
 }  // namespace orvane::testing

@@ -38,11 +38,7 @@ namespace {
 
 // Waits until the view shows its newest redraw (the figures are computed in
 // the thread pool).
-void settle(FlowView& view) {
-  if (!view.isComputing()) return;
-  QSignalSpy redrawn(&view, &FlowView::redrawn);
-  while (view.isComputing()) QVERIFY(redrawn.wait(20000));
-}
+void settle(FlowView& view) { orvane::testing::awaitNewest(view, &FlowView::redrawn); }
 
 QString label(const QWidget& view, const QString& name) { return orvane::testing::labelText(view, name); }
 

@@ -48,10 +48,13 @@ namespace {
 
 // Waits until the view shows its newest run (the simulation runs in the
 // thread pool).
-void settle(ForecastView& view) {
-  if (!view.isComputing()) return;
-  QSignalSpy shown(&view, &ForecastView::forecastShown);
-  while (view.isComputing()) QVERIFY(shown.wait(20000));
+void settle(ForecastView& view) { orvane::testing::awaitNewest(view, &ForecastView::forecastShown); }
+
+// Shows `project` in `view` with its first run in.
+void open(ForecastView& view, const Uuid& project) {
+  view.showProject(project);
+  view.reloadNow();
+  settle(view);
 }
 
 QString label(ForecastView& view, const QString& name) { return orvane::testing::labelText(view, name); }
@@ -105,9 +108,7 @@ void ForecastViewTest::showsTheServiceForecastAndFollowsTheWhatIf() {
 
   ForecastView view(*f.context, nullptr);
   view.resize(1200, 900);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
 
   const WhenForecast base = service.input(demo, today).runWhen();
   expectLevels(view, base);
@@ -162,9 +163,7 @@ void ForecastViewTest::committedDateIsSetAndClearedThroughTheService() {
   AppFixture f;
   const Uuid demo = f.board().loadDemoProject(f.clock).id;
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
 
   // Two days before the second week of the histogram ends: that week is
   // the first to end after it.
@@ -230,9 +229,7 @@ void ForecastViewTest::epicScopeRunsAtTheShareAndRefusesABadOne() {
   QVERIFY(busy.has_value());
 
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
   auto* scope = view.findChild<QComboBox*>("forecastScope");
   scope->setCurrentIndex(scope->findText(QString::fromStdString("Epic: " + busy->name)));
   auto* share = view.findChild<QDoubleSpinBox*>("capacityShare");
@@ -258,9 +255,7 @@ void ForecastViewTest::saysWhatToDoWhenNothingIsOpen() {
   AppFixture f;
   const Uuid empty = f.board().createProject("Quiet", std::nullopt, f.clock).id;
   ForecastView view(*f.context, nullptr);
-  view.showProject(empty);
-  view.reloadNow();
-  settle(view);
+  open(view, empty);
   QVERIFY(label(view, "forecastEmpty").contains("Add tickets to the board"));
 }
 
@@ -324,9 +319,7 @@ void expectCommandLineNumbers(ForecastView& view, const QJsonObject& cli) {
 void compareWithCommandLine(AppFixture& f, const Uuid& project, const QString& key) {
   ForecastView view(*f.context, nullptr);
   view.resize(1200, 900);
-  view.showProject(project);
-  view.reloadNow();
-  settle(view);
+  open(view, project);
   struct WhatIf {
     int percent;
     int change;
@@ -415,9 +408,7 @@ void ForecastViewTest::byDateShowsTheServiceCountsAndItsRefusals() {
   ForecastService service(f.t.store);
   const CivilDate today = ForecastService::todayUTC(f.clock);
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
 
   // Each row: days after today, what-if, backlog change, and the refusal
   // expected instead of counts (empty: counts).
@@ -469,9 +460,7 @@ void ForecastViewTest::historyIsColouredByProvenanceAndTheEstimateIsStored() {
   ForecastService service(f.t.store);
   const CivilDate today = ForecastService::todayUTC(f.clock);
   ForecastView view(*f.context, nullptr);
-  view.showProject(fresh);
-  view.reloadNow();
-  settle(view);
+  open(view, fresh);
 
   // Each bar sits in the set of the provenance the service reports for its
   // week, in that provenance's colour, and in no other set.
@@ -599,9 +588,7 @@ void ForecastViewTest::logsTheForecastOnScreenAsOneUndoableStep() {
   ForecastService service(f.t.store);
   const CivilDate today = ForecastService::todayUTC(f.clock);
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
   QVERIFY(shown(view, "forecastLogEmpty") && !shown(view, "forecastLog"));
   QVERIFY(shown(view, "forecastHistoryEmpty") && !shown(view, "forecastHistoryChart"));
 
@@ -843,9 +830,7 @@ void ForecastViewTest::notesAreEditedInPlaceAndRunsDeletedAfterConfirmation() {
   const ForecastRecord newer =
       service.log(service.input(demo, ForecastService::todayUTC(f.clock)).runWhen(), demo, "Kick-off", f.clock);
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
   QTableWidget* log = table(view, "forecastLog");
   auto* editNote = view.findChild<QPushButton*>("editForecastNote");
   auto* remove = view.findChild<QPushButton*>("deleteForecast");
@@ -921,9 +906,7 @@ void ForecastViewTest::copiedScriptRebuildsTheForecastOnScreen() {
   const Uuid demo = f.board().loadDemoProject(f.clock).id;
   ForecastView view(*f.context, nullptr);
   view.resize(1200, 900);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
   QVERIFY(view.copyScriptAction()->isEnabled());
 
   // The whole project at three what-ifs, and one epic at a share of the team.
@@ -960,9 +943,7 @@ void ForecastViewTest::backtestEqualsTheCommandLineAndRefusesFutureDays() {
   AppFixture f;
   const Uuid demo = f.board().loadDemoProject(f.clock).id;
   ForecastView view(*f.context, nullptr);
-  view.showProject(demo);
-  view.reloadNow();
-  settle(view);
+  open(view, demo);
   QVERIFY(view.backtestAction()->isEnabled());
   auto* dialog = qobject_cast<BacktestDialog*>(view.openBacktest());
   QVERIFY(dialog != nullptr);

@@ -484,8 +484,7 @@ void MainWindowTest::forecastMenuCarriesTheForecastViewsCommands() {
 
   window.setViewMode(ProjectViewMode::forecast);
   auto* view = qobject_cast<ForecastView*>(window.pane()->view(ProjectViewMode::forecast));
-  QSignalSpy shown(view, &ForecastView::forecastShown);
-  while (view->isComputing()) QVERIFY(shown.wait(20000));
+  orvane::testing::awaitNewest(*view, &ForecastView::forecastShown);
   emit menu->aboutToShow();
   QAction* copy = entryOf("Copy reproduction script");
   QVERIFY(copy != nullptr && copy->isEnabled());

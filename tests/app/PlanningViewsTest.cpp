@@ -54,8 +54,7 @@ QStringList row(QTreeWidget* tree, int index) {
 // Waits until a view shows its newest forecast run (it runs in the thread pool).
 template <typename View>
 void settle(View& view) {
-  QSignalSpy shown(&view, &View::forecastShown);
-  while (view.isComputing()) QVERIFY(shown.wait(20000));
+  orvane::testing::awaitNewest(view, &View::forecastShown);
 }
 
 // What `orvane-cli forecast arguments --json` answers on the fixture's

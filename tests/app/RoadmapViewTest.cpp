@@ -34,10 +34,7 @@ namespace {
 
 // Waits until the view shows its newest run (the simulations run in the
 // thread pool).
-void settle(RoadmapView& view) {
-  QSignalSpy shown(&view, &RoadmapView::roadmapShown);
-  while (view.isComputing()) QVERIFY(shown.wait(20000));
-}
+void settle(RoadmapView& view) { orvane::testing::awaitNewest(view, &RoadmapView::roadmapShown); }
 
 void open(RoadmapView& view, const Uuid& project) {
   view.resize(1280, 800);

@@ -12,7 +12,7 @@
 #include "engine/MonteCarlo.h"
 #include "engine/Percentile.h"
 #include "engine/SeedDerivation.h"
-#include "engine/SpeculativeBlocks.h"
+#include "engine/GuessedStarts.h"
 #include "engine/ThroughputMultiplier.h"
 
 namespace orvane {
@@ -78,7 +78,7 @@ TEST(MonteCarlo, AnyNumberOfThreadsGivesTheSerialResult) {
 // The blocks of a stream whose bound rejects about half of all words
 // (2^31 + 1): nearly every planned start is wrong, and the blocks must still
 // read exactly what one stream read from start to end gives.
-TEST(SpeculativeBlocks, GiveTheSerialReadingWhenHalfTheWordsAreRejected) {
+TEST(GuessedStarts, GiveTheSerialReadingWhenHalfTheWordsAreRejected) {
   for (const std::uint64_t n : {(1ull << 31) + 1, 12ull}) {
     for (const std::size_t blocks : {1, 2, 5, 9}) {
       SCOPED_TRACE(testing::Message() << "n=" << n << ", " << blocks << " blocks");
@@ -90,7 +90,7 @@ TEST(SpeculativeBlocks, GiveTheSerialReadingWhenHalfTheWordsAreRejected) {
 
       std::vector<std::uint64_t> planned(blocks), actual(expected.size());
       for (std::size_t b = 0; b < blocks; ++b) planned[b] = b * drawsPerBlock;
-      runSpeculatively(planned, 4, [&](std::size_t b, std::uint64_t startWord) {
+      runFromGuessedStarts(planned, 4, [&](std::size_t b, std::uint64_t startWord) {
         BoundedDrawStream stream(generator, n, startWord);
         for (int i = 0; i < drawsPerBlock; ++i) actual[b * drawsPerBlock + i] = stream.next();
         return stream.wordsUsed();

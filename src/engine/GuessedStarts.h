@@ -26,7 +26,7 @@ namespace orvane {
 // and startWord and must replace anything an earlier run of b wrote.
 // REQUIRES: runBlock does not throw; plannedStarts[0] is the true start.
 template <typename RunBlock>
-void runSpeculatively(std::vector<std::uint64_t> plannedStarts, std::size_t threads, const RunBlock& runBlock) {
+void runFromGuessedStarts(std::vector<std::uint64_t> plannedStarts, std::size_t threads, const RunBlock& runBlock) {
   const std::size_t blocks = plannedStarts.size();
   std::vector<std::uint64_t>& starts = plannedStarts;
   std::vector<std::uint64_t> used(blocks, 0);
