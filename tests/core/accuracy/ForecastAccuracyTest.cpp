@@ -201,19 +201,29 @@ TEST(ForecastHistory, WhenRunsWithAllFourDatesByRunTime) {
                                              runDay.addingDays(30), CivilDate{2026, 4, 1}, 61.5}));
 }
 
-TEST(AccuracyReport, JudgesALoggedRunAgainstTheBoard) {
+// A project with two open tickets and one "When" run logged on runDay over
+// both, its levels 5, 7, 9 and 12 days later.
+struct LoggedRun {
   testing::TempStore t;
-  const Uuid project = t.service.createProject("Shop", std::nullopt, on(-30)).id;
+  Uuid project;
   std::vector<Uuid> tickets;
-  for (const char* title : {"A", "B"}) tickets.push_back(t.service.createTicket(project, {.title = title}, on(-20)).id);
-  ForecastService forecasts(t.store);
-  WhenForecast forecast;
-  forecast.asOf = runDay;
-  forecast.backlog = 2;
-  for (auto [level, offset] : {std::pair{50, 5}, {70, 7}, {85, 9}, {95, 12}}) {
-    forecast.dates[level] = runDay.addingDays(offset);
+
+  LoggedRun() {
+    project = t.service.createProject("Shop", std::nullopt, on(-30)).id;
+    for (const char* title : {"A", "B"})
+      tickets.push_back(t.service.createTicket(project, {.title = title}, on(-20)).id);
+    WhenForecast forecast;
+    forecast.asOf = runDay;
+    forecast.backlog = 2;
+    for (auto [level, offset] : {std::pair{50, 5}, {70, 7}, {85, 9}, {95, 12}})
+      forecast.dates[level] = runDay.addingDays(offset);
+    ForecastService(t.store).log(forecast, project, "", on(0));
   }
-  forecasts.log(forecast, project, "", on(0));
+};
+
+TEST(AccuracyReport, JudgesALoggedRunAgainstTheBoard) {
+  LoggedRun run;
+  auto& [t, project, tickets] = run;
   const Uuid done = t.service.snapshot(project)->columns.back().id;
   t.service.moveTicket(tickets[0], done, std::nullopt, on(2));
   t.service.moveTicket(tickets[1], done, std::nullopt, on(8));
@@ -226,18 +236,8 @@ TEST(AccuracyReport, JudgesALoggedRunAgainstTheBoard) {
 }
 
 TEST(AccuracyReport, ATicketDeletedAfterTheRunLeavesTheForecastsScope) {
-  testing::TempStore t;
-  const Uuid project = t.service.createProject("Shop", std::nullopt, on(-30)).id;
-  std::vector<Uuid> tickets;
-  for (const char* title : {"A", "B"}) tickets.push_back(t.service.createTicket(project, {.title = title}, on(-20)).id);
-  ForecastService forecasts(t.store);
-  WhenForecast forecast;
-  forecast.asOf = runDay;
-  forecast.backlog = 2;
-  for (auto [level, offset] : {std::pair{50, 5}, {70, 7}, {85, 9}, {95, 12}}) {
-    forecast.dates[level] = runDay.addingDays(offset);
-  }
-  forecasts.log(forecast, project, "", on(0));
+  LoggedRun run;
+  auto& [t, project, tickets] = run;
   t.service.moveTicket(tickets[0], t.service.snapshot(project)->columns.back().id, std::nullopt, on(6));
   t.service.deleteTicket(tickets[1]);
 
