@@ -20,9 +20,9 @@
 #include "core/forecast/ForecastService.h"
 #include "core/store/Rows.h"
 #include "core/store/Store.h"
-#include "support/AwaitView.h"
 #include "support/BenchStore.h"
 #include "support/OffscreenExit.h"
+#include "support/ViewScreen.h"
 
 namespace orvane {
 namespace {
@@ -63,33 +63,13 @@ Uuid writeGeneratedProject(Database& db) {
   return project.id;
 }
 
-struct Screen {
-  std::filesystem::path path = bench::scratchStorePath("forecast-view.sqlite");
-  std::optional<Store> store;
-  std::unique_ptr<app::AppContext> context;
-  std::unique_ptr<app::ForecastView> view;
-  Uuid demo;
+struct Screen : bench::ViewScreen<app::ForecastView> {
   Uuid generated;
 
-  Screen() {
-    store.emplace(Store::open(path));
-    context = std::make_unique<app::AppContext>(*store);
-    context->setClock([] { return Timestamp{now}; });
-    demo = context->board().loadDemoProject(Timestamp{now}).id;
-    {
-      Transaction transaction(store->db());
-      generated = writeGeneratedProject(store->db());
-      transaction.commit();
-    }
-    view = std::make_unique<app::ForecastView>(*context, nullptr);
-    view->resize(1280, 800);
-    view->show();
-  }
-  ~Screen() {
-    view.reset();
-    context.reset();
-    store.reset();
-    bench::removeStore(path);
+  Screen() : ViewScreen("forecast-view.sqlite", Timestamp{now}) {
+    Transaction transaction(store->db());
+    generated = writeGeneratedProject(store->db());
+    transaction.commit();
   }
 
   // Returns once the view shows its newest run, drawn.

@@ -20,9 +20,9 @@
 #include "core/board/RoadmapSample.h"
 #include "core/forecast/ForecastService.h"
 #include "core/store/Store.h"
-#include "support/AwaitView.h"
 #include "support/BenchStore.h"
 #include "support/OffscreenExit.h"
+#include "support/ViewScreen.h"
 
 namespace orvane {
 namespace {
@@ -30,29 +30,11 @@ namespace {
 // Wednesday 4 March 2026, 10:00 UTC: the pinned "now" of every run.
 constexpr double now = 1772618400;
 
-struct Screen {
-  std::filesystem::path path = bench::scratchStorePath("roadmap-view.sqlite");
-  std::optional<Store> store;
-  std::unique_ptr<app::AppContext> context;
-  std::unique_ptr<app::RoadmapView> view;
-  Uuid demo;
+struct Screen : bench::ViewScreen<app::RoadmapView> {
   Uuid sample;
 
-  Screen() {
-    store.emplace(Store::open(path));
-    context = std::make_unique<app::AppContext>(*store);
-    context->setClock([] { return Timestamp{now}; });
-    demo = context->board().loadDemoProject(Timestamp{now}).id;
+  Screen() : ViewScreen("roadmap-view.sqlite", Timestamp{now}) {
     sample = createRoadmapSample(context->board(), *store, Timestamp{now}).id;
-    view = std::make_unique<app::RoadmapView>(*context, nullptr);
-    view->resize(1280, 800);
-    view->show();
-  }
-  ~Screen() {
-    view.reset();
-    context.reset();
-    store.reset();
-    bench::removeStore(path);
   }
 
   // Returns once the view shows its newest run, drawn.
